@@ -1,0 +1,4 @@
+// The tour's parts: each shows one subsystem and prints what it does.
+#pragma once
+
+void tourFoundation();

@@ -1,0 +1,10 @@
+// The tour: what the Tarn library does, one subsystem after another.
+#include "Tour.h"
+
+#include <cstdio>
+
+int main() {
+    std::printf("Tarn tour\n");
+    tourFoundation();
+    return 0;
+}

@@ -1,0 +1,9 @@
+// Umbrella header: includes every public header of the Tarn library.
+#pragma once
+
+#include "tarn/TarnExport.h"
+#include "tarn/version.h"
+
+#include "tarn/foundation/TarnObject.h"
+#include "tarn/foundation/TarnString.h"
+#include "tarn/foundation/TarnVector.h"

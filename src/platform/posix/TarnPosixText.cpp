@@ -1,0 +1,51 @@
+// POSIX implementation of the text services of the platform seam.
+#include "platform/TarnPlatform.h"
+
+#include <cstdio>
+#include <cstring>
+#include <unistd.h>
+
+namespace tarn {
+namespace platform {
+
+int formatBounded(char *buffer, std::size_t capacity, const char *format, va_list arguments) {
+    const int written = std::vsnprintf(buffer, capacity + 1, format, arguments);
+    if (written < 0) {
+        buffer[0] = '\0';
+        return kFormatError;
+    }
+    if (static_cast<std::size_t>(written) > capacity) {
+        return kFormatDidNotFit;
+    }
+    return written;
+}
+
+int compareNoCase(const char *left, const char *right) {
+    // Folding by hand keeps the C locale's meaning whatever locale the application selected.
+    const auto fold = [](unsigned char byte) -> int {
+        return (byte >= 'A' && byte <= 'Z') ? byte + ('a' - 'A') : byte;
+    };
+    const auto *l = reinterpret_cast<const unsigned char *>(left);
+    const auto *r = reinterpret_cast<const unsigned char *>(right);
+    while (*l != 0 && fold(*l) == fold(*r)) {
+        ++l;
+        ++r;
+    }
+    return fold(*l) - fold(*r);
+}
+
+void writeDefaultDebugText(const char *text) {
+    // One write call per text, so that texts from several threads do not interleave mid-line.
+    std::size_t remaining = std::strlen(text);
+    while (remaining > 0) {
+        const ssize_t written = ::write(STDERR_FILENO, text, remaining);
+        if (written <= 0) {
+            return;
+        }
+        text += written;
+        remaining -= static_cast<std::size_t>(written);
+    }
+}
+
+} // namespace platform
+} // namespace tarn

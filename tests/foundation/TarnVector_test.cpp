@@ -1,0 +1,190 @@
+// Tests of the owning pointer vector, the value array and the pointer box.
+#include <tarn/tarn.h>
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <stdexcept>
+
+namespace {
+
+// Counts live instances, so that a test sees every element deleted exactly once.
+struct Counted {
+    static int live;
+    int value = 0;
+    Counted() { ++live; }
+    explicit Counted(int v) : value(v) { ++live; }
+    Counted(const Counted &other) : value(other.value) { ++live; }
+    Counted &operator=(const Counted &) = default;
+    ~Counted() { --live; }
+};
+int Counted::live = 0;
+
+// A text whose destructor reports that it ran: deletion must go through the virtual destructor.
+struct NoisyString : TarnString {
+    static int destroyed;
+    ~NoisyString() override { ++destroyed; }
+};
+int NoisyString::destroyed = 0;
+
+std::vector<int> valuesOf(const TarnVector<Counted> &vector) {
+    std::vector<int> values;
+    for (unsigned i = 0; i < vector.size(); ++i) {
+        values.push_back(vector[i].value);
+    }
+    return values;
+}
+
+TarnVector<Counted> makeVector(std::initializer_list<int> values) {
+    TarnVector<Counted> vector;
+    for (int value : values) {
+        vector.add(Counted(value));
+    }
+    return vector;
+}
+
+class TarnVectorTest : public ::testing::Test {
+protected:
+    void TearDown() override { EXPECT_EQ(Counted::live, 0) << "an element leaked or was deleted twice"; }
+};
+
+TEST_F(TarnVectorTest, AddReturnsTheStoredElementAndCopiesItsArgument) {
+    TarnVector<Counted> vector;
+    Counted &first = vector.add();
+    ASSERT_EQ(vector.size(), 1u);
+    EXPECT_EQ(&first, &vector[0]);
+
+    Counted source(7);
+    vector.add(source).value += 1;
+    source.value = 100;
+    EXPECT_EQ(valuesOf(vector), (std::vector<int>{0, 8}));
+}
+
+TEST_F(TarnVectorTest, ReferencesSurviveGrowthInsertionAndSwap) {
+    TarnVector<Counted> vector;
+    Counted &kept = vector.add(Counted(42));
+    for (int i = 0; i < 1000; ++i) {
+        vector.add(Counted(i));
+    }
+    vector.insertAt(0, Counted(-1));
+    EXPECT_EQ(&kept, &vector[1]);
+    vector.swap(1, 500);
+    EXPECT_EQ(&kept, &vector[500]);
+    EXPECT_EQ(kept.value, 42);
+}
+
+TEST_F(TarnVectorTest, InsertAtFrontMiddleAndEnd) {
+    TarnVector<Counted> vector = makeVector({1, 2, 3});
+    vector.insertAt(0, Counted(0));
+    vector.insertAt(2, Counted(9));
+    vector.insertAt(static_cast<unsigned>(vector.size()), Counted(4));
+    EXPECT_EQ(valuesOf(vector), (std::vector<int>{0, 1, 9, 2, 3, 4}));
+}
+
+TEST_F(TarnVectorTest, InsertAtBeyondTheCountAppends) {
+    TarnVector<Counted> vector = makeVector({1});
+    vector.insertAt(UINT_MAX, Counted(2));
+    EXPECT_EQ(valuesOf(vector), (std::vector<int>{1, 2}));
+}
+
+TEST_F(TarnVectorTest, RemoveAtDeletesAndKeepsOrder) {
+    TarnVector<Counted> vector = makeVector({1, 2, 3, 4});
+    vector.removeAt(1);
+    EXPECT_EQ(valuesOf(vector), (std::vector<int>{1, 3, 4}));
+    EXPECT_EQ(Counted::live, 3);
+}
+
+TEST_F(TarnVectorTest, RemoveAtOutOfRangeChangesNothing) {
+    TarnVector<Counted> vector = makeVector({1, 2});
+    vector.removeAt(2);
+    vector.removeAt(UINT_MAX);
+    EXPECT_EQ(valuesOf(vector), (std::vector<int>{1, 2}));
+    TarnVector<Counted> empty;
+    empty.removeAt(0);
+    EXPECT_TRUE(empty.empty());
+}
+
+TEST_F(TarnVectorTest, RemoveAllEmptiesAndAllowsReuse) {
+    TarnVector<Counted> vector = makeVector({1, 2, 3});
+    vector.removeAll();
+    EXPECT_EQ(vector.size(), 0u);
+    EXPECT_EQ(Counted::live, 0);
+    vector.removeAll();
+    vector.add(Counted(5));
+    EXPECT_EQ(valuesOf(vector), (std::vector<int>{5}));
+}
+
+TEST_F(TarnVectorTest, NullPointersAddedThroughTheBaseAreSkipped) {
+    TarnVector<Counted> vector = makeVector({1});
+    vector.push_back(nullptr);
+    vector.removeAt(1);
+    vector.push_back(nullptr);
+    vector.removeAll();
+    EXPECT_EQ(vector.size(), 0u);
+}
+
+TEST_F(TarnVectorTest, SwapChecksBothIndicesBeforeChangingAnything) {
+    TarnVector<Counted> vector = makeVector({1, 2});
+    vector.swap(0, 0);
+    EXPECT_EQ(valuesOf(vector), (std::vector<int>{1, 2}));
+    try {
+        vector.swap(0, 2);
+        FAIL() << "swap with the count as index did not throw";
+    } catch (const std::out_of_range &error) {
+        EXPECT_STREQ(error.what(), "invalid vector<T> subscript");
+    }
+    EXPECT_THROW(vector.swap(5, 1), std::out_of_range);
+    EXPECT_EQ(valuesOf(vector), (std::vector<int>{1, 2}));
+    vector.swap(0, 1);
+    EXPECT_EQ(valuesOf(vector), (std::vector<int>{2, 1}));
+}
+
+TEST_F(TarnVectorTest, CopiesOwnTheirOwnElements) {
+    TarnVector<Counted> original = makeVector({1, 2});
+    TarnVector<Counted> copy(original);
+    copy[0].value = 10;
+    EXPECT_EQ(valuesOf(original), (std::vector<int>{1, 2}));
+
+    TarnVector<Counted> assigned = makeVector({7, 8, 9});
+    assigned = original;
+    EXPECT_EQ(valuesOf(assigned), (std::vector<int>{1, 2}));
+    const TarnVector<Counted> &alias = assigned;
+    assigned = alias;
+    EXPECT_EQ(Counted::live, 6);
+
+    TarnVector<Counted> moved(std::move(copy));
+    EXPECT_EQ(valuesOf(moved), (std::vector<int>{10, 2}));
+    EXPECT_EQ(Counted::live, 6);
+}
+
+TEST(TarnVectorStringTest, DeletesThroughTheVirtualDestructor) {
+    NoisyString::destroyed = 0;
+    {
+        TarnVector<TarnString> texts;
+        texts.push_back(new NoisyString());
+        texts.push_back(new NoisyString());
+        texts.removeAt(0);
+        EXPECT_EQ(NoisyString::destroyed, 1);
+    }
+    EXPECT_EQ(NoisyString::destroyed, 2);
+}
+
+TEST(TarnPointerTest, NewBoxesHoldNullAndCopiesShareTheWord) {
+    TarnVector<TarnPointer> boxes;
+    TarnPointer &box = boxes.add();
+    EXPECT_EQ(box.pointer, nullptr);
+    int target = 0;
+    box.pointer = &target;
+    TarnPointer copy;
+    copy = box;
+    EXPECT_EQ(copy.pointer, &target);
+}
+
+TEST(TarnArrayTest, IsAPlainValueVector) {
+    TarnArray<double> values(3, 1.5);
+    values[1] = 2.5;
+    EXPECT_EQ(values.size(), 3u);
+    EXPECT_DOUBLE_EQ(values[1], 2.5);
+}
+
+} // namespace
