@@ -4,7 +4,9 @@
 namespace tarn {
 
 /// True for blank and the control bytes 9 to 13, the white space of the C locale.
-inline bool isAsciiSpace(char byte) { return byte == ' ' || (byte >= '\t' && byte <= '\r'); }
+inline bool isAsciiSpace(char byte) {
+    return byte == ' ' || (byte >= '\t' && byte <= '\r');
+}
 
 /// True for 0-9, A-F and a-f.
 inline bool isAsciiHexDigit(char byte) {
@@ -20,9 +22,13 @@ inline unsigned hexDigitValue(char byte) {
 }
 
 /// A-Z to a-z; every other byte as it is.
-inline char toAsciiLower(char byte) { return (byte >= 'A' && byte <= 'Z') ? static_cast<char>(byte + 32) : byte; }
+inline char toAsciiLower(char byte) {
+    return (byte >= 'A' && byte <= 'Z') ? static_cast<char>(byte + 32) : byte;
+}
 
 /// a-z to A-Z; every other byte as it is.
-inline char toAsciiUpper(char byte) { return (byte >= 'a' && byte <= 'z') ? static_cast<char>(byte - 32) : byte; }
+inline char toAsciiUpper(char byte) {
+    return (byte >= 'a' && byte <= 'z') ? static_cast<char>(byte - 32) : byte;
+}
 
 } // namespace tarn

@@ -5,6 +5,10 @@
 TarnObject::~TarnObject() = default;
 TarnTestable::~TarnTestable() = default;
 
-bool TarnObject::isa(const char *name) const { return isa(std::string(name)); }
+bool TarnObject::isa(const char *name) const {
+    return isa(std::string(name));
+}
 
-int getInt() { return 3; }
+int getInt() {
+    return 3;
+}

@@ -23,9 +23,13 @@ TarnString &TarnString::operator=(char character) {
     return *this;
 }
 
-bool TarnString::isa(const std::string &name) const { return tarn::isClassName(name, "TarnString"); }
+bool TarnString::isa(const std::string &name) const {
+    return tarn::isClassName(name, "TarnString");
+}
 
-std::string TarnString::getClassName() const { return "TarnString"; }
+std::string TarnString::getClassName() const {
+    return "TarnString";
+}
 
 int TarnString::compare(const char *text) const {
     if (text == nullptr) {

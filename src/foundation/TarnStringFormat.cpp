@@ -16,10 +16,11 @@ constexpr std::size_t kLocalFormatCapacity = 160;
 constexpr std::size_t kFormatGrowthLimit = 1048576;
 
 // Formats with a fresh copy of the argument list, so that every attempt reads it from its start.
-int formatAttempt(char *buffer, std::size_t capacity, const char *formatText, va_list arguments) {
+int formatAttempt(char *buffer, std::size_t capacity, const char *formatText, va_list arguments,
+                  std::size_t *needed) {
     va_list copy;
     va_copy(copy, arguments);
-    const int written = tarn::platform::formatBounded(buffer, capacity, formatText, copy);
+    const int written = tarn::platform::formatBounded(buffer, capacity, formatText, copy, needed);
     va_end(copy);
     return written;
 }
@@ -48,7 +49,8 @@ TarnString &TarnString::format(const char *formatText, ...) {
 TarnString &TarnString::vformat(const char *formatText, va_list arguments) {
     // The old text stays until the output is complete: an argument may point into it.
     char local[kLocalFormatCapacity + 1];
-    int written = formatAttempt(local, kLocalFormatCapacity, formatText, arguments);
+    std::size_t needed = 0;
+    int written = formatAttempt(local, kLocalFormatCapacity, formatText, arguments, &needed);
     if (written >= 0) {
         assign(local, static_cast<std::size_t>(written));
         return *this;
@@ -57,8 +59,13 @@ TarnString &TarnString::vformat(const char *formatText, va_list arguments) {
     std::size_t capacity = kLocalFormatCapacity;
     while (written == tarn::platform::kFormatDidNotFit && capacity < kFormatGrowthLimit) {
         capacity *= 2;
+        // Where the platform told the full length, the capacities that cannot hold it are
+        // passed over without formatting: the capacity reached is the same as by trying each.
+        if (capacity < needed && capacity < kFormatGrowthLimit) {
+            continue;
+        }
         heap.assign(capacity + 1, '\0');
-        written = formatAttempt(heap.data(), capacity, formatText, arguments);
+        written = formatAttempt(heap.data(), capacity, formatText, arguments, &needed);
     }
     if (written == tarn::platform::kFormatError) {
         clear();
@@ -69,11 +76,17 @@ TarnString &TarnString::vformat(const char *formatText, va_list arguments) {
     return *this;
 }
 
-TarnString::operator int() const { return readWithStream<int>(*this); }
+TarnString::operator int() const {
+    return readWithStream<int>(*this);
+}
 
-TarnString::operator float() const { return readWithStream<float>(*this); }
+TarnString::operator float() const {
+    return readWithStream<float>(*this);
+}
 
-TarnString::operator double() const { return readWithStream<double>(*this); }
+TarnString::operator double() const {
+    return readWithStream<double>(*this);
+}
 
 TarnString::operator bool() const {
     // Read as an integer: only 0 and 1 are truth values, anything else reads as false.

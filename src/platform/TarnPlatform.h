@@ -25,7 +25,10 @@ constexpr int kFormatError = -2;
 /// most `capacity` characters and always a terminating NUL. Returns the number of characters of
 /// the whole output when it fits in `capacity`, else kFormatDidNotFit (the buffer then holds the
 /// first `capacity` characters) or kFormatError. `arguments` is consumed: pass a fresh copy.
-int formatBounded(char *buffer, std::size_t capacity, const char *format, va_list arguments);
+/// When the output did not fit and the platform can tell the length of the whole output, that
+/// length is stored through `needed` (when not null); otherwise 0 is stored there.
+int formatBounded(char *buffer, std::size_t capacity, const char *format, va_list arguments,
+                  std::size_t *needed);
 
 /// Compares two NUL-terminated texts with the letters A-Z folded to a-z, bytes as unsigned
 /// values. Returns a negative, zero or positive value; only the sign has a meaning.

@@ -9,7 +9,9 @@
 
 namespace {
 
-std::string text(const TarnString &value) { return value; }
+std::string text(const TarnString &value) {
+    return value;
+}
 
 std::vector<std::string> texts(const TarnVector<TarnString> &parts) {
     std::vector<std::string> result;
@@ -42,7 +44,7 @@ TEST(TarnStringTest, MidGivesEmptyForAnyRequestPastTheEnd) {
         const char *expected;
     };
     const Case cases[] = {
-        {1, 3, "ell"}, {3, 2, "lo"},         {3, 3, ""},        {5, 1, ""}, {0, 0, ""},
+        {1, 3, "ell"},   {3, 2, "lo"},      {3, 3, ""},        {5, 1, ""}, {0, 0, ""},
         {0, 5, "hello"}, {2, UINT_MAX, ""}, {UINT_MAX, 2, ""}, {6, 0, ""},
     };
     for (const Case &c : cases) {
@@ -181,10 +183,11 @@ TEST(TarnStringReadTest, HexadecimalRead) {
         bool ok;
     };
     const Case cases[] = {
-        {"ff", 255, true},         {"0xFF", 255, true},         {"  0Xff zz", 255, true},
-        {"xyz", 0, false},         {"", 0, false},              {"-1", 0xFFFFFFFFu, true},
-        {"+10", 16, true},         {"123456789", 0xFFFFFFFFu, true}, {"0x", 0, true},
-        {"FFFFFFFF", 0xFFFFFFFFu, true},
+        {"ff", 255, true},        {"0xFF", 255, true},
+        {"  0Xff zz", 255, true}, {"xyz", 0, false},
+        {"", 0, false},           {"-1", 0xFFFFFFFFu, true},
+        {"+10", 16, true},        {"123456789", 0xFFFFFFFFu, true},
+        {"0x", 0, true},          {"FFFFFFFF", 0xFFFFFFFFu, true},
     };
     for (const Case &c : cases) {
         bool ok = !c.ok;

@@ -57,5 +57,7 @@ TARN_API int getInt();
 namespace tarn {
 /// Returns true when `name` equals the class literal `literal` exactly. The one comparison behind
 /// every class's `isa`.
-inline bool isClassName(const std::string &name, const char *literal) { return name == literal; }
+inline bool isClassName(const std::string &name, const char *literal) {
+    return name == literal;
+}
 } // namespace tarn

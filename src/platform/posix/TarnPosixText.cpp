@@ -8,13 +8,20 @@
 namespace tarn {
 namespace platform {
 
-int formatBounded(char *buffer, std::size_t capacity, const char *format, va_list arguments) {
+int formatBounded(char *buffer, std::size_t capacity, const char *format, va_list arguments,
+                  std::size_t *needed) {
+    if (needed != nullptr) {
+        *needed = 0;
+    }
     const int written = std::vsnprintf(buffer, capacity + 1, format, arguments);
     if (written < 0) {
         buffer[0] = '\0';
         return kFormatError;
     }
     if (static_cast<std::size_t>(written) > capacity) {
+        if (needed != nullptr) {
+            *needed = static_cast<std::size_t>(written);
+        }
         return kFormatDidNotFit;
     }
     return written;
