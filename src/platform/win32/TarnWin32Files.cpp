@@ -8,20 +8,19 @@ namespace tarn {
 namespace platform {
 namespace {
 
-// A file opened for inspection: read access, other readers allowed, an existing file only.
-// CreateFileA refuses a directory here, which is what the seam promises. Closed by the destructor.
-class InspectedFile {
+// Closes a handle on every path out of the function that holds it, exceptions included. `Closer`
+// names the one call that releases this kind of handle.
+template <class Closer>
+class ScopedHandle {
 public:
-    explicit InspectedFile(const char *path)
-        : handle_(::CreateFileA(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                FILE_ATTRIBUTE_NORMAL, nullptr)) {}
-    ~InspectedFile() {
+    explicit ScopedHandle(HANDLE handle) : handle_(handle) {}
+    ~ScopedHandle() {
         if (isOpen()) {
-            ::CloseHandle(handle_);
+            Closer::close(handle_);
         }
     }
-    InspectedFile(const InspectedFile &) = delete;
-    InspectedFile &operator=(const InspectedFile &) = delete;
+    ScopedHandle(const ScopedHandle &) = delete;
+    ScopedHandle &operator=(const ScopedHandle &) = delete;
 
     bool isOpen() const { return handle_ != INVALID_HANDLE_VALUE; }
     HANDLE get() const { return handle_; }
@@ -30,24 +29,21 @@ private:
     HANDLE handle_;
 };
 
-// Ends a search on every path out of listDirectory, also when the visitor throws.
-class FindSearch {
-public:
-    FindSearch(const char *pattern, WIN32_FIND_DATAA &entry) : handle_(::FindFirstFileA(pattern, &entry)) {}
-    ~FindSearch() {
-        if (isOpen()) {
-            ::FindClose(handle_);
-        }
-    }
-    FindSearch(const FindSearch &) = delete;
-    FindSearch &operator=(const FindSearch &) = delete;
-
-    bool isOpen() const { return handle_ != INVALID_HANDLE_VALUE; }
-    HANDLE get() const { return handle_; }
-
-private:
-    HANDLE handle_;
+struct FileCloser {
+    static void close(HANDLE handle) { ::CloseHandle(handle); }
 };
+struct SearchCloser {
+    static void close(HANDLE handle) { ::FindClose(handle); }
+};
+using InspectedFile = ScopedHandle<FileCloser>;
+using FindSearch = ScopedHandle<SearchCloser>;
+
+// Opens a file for inspection: read access, other readers allowed, an existing file only.
+// CreateFileA refuses a directory here, which is what the seam promises.
+HANDLE openForInspection(const char *path) {
+    return ::CreateFileA(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL,
+                         nullptr);
+}
 
 std::uint64_t ticksOf(const FILETIME &time) {
     return (static_cast<std::uint64_t>(time.dwHighDateTime) << 32) | time.dwLowDateTime;
@@ -66,7 +62,7 @@ std::uint32_t fileAttributes(const char *path) {
 }
 
 bool inspectFileSize(const char *path, std::uint32_t &size) {
-    const InspectedFile file(path);
+    const InspectedFile file(openForInspection(path));
     if (!file.isOpen()) {
         return false;
     }
@@ -76,7 +72,7 @@ bool inspectFileSize(const char *path, std::uint32_t &size) {
 }
 
 bool inspectFileTimes(const char *path, FileTimes &times) {
-    const InspectedFile file(path);
+    const InspectedFile file(openForInspection(path));
     if (!file.isOpen()) {
         return false;
     }
@@ -94,7 +90,7 @@ bool inspectFileTimes(const char *path, FileTimes &times) {
 
 bool listDirectory(const char *pattern, DirectoryVisitor visit, void *context) {
     WIN32_FIND_DATAA entry{};
-    const FindSearch search(pattern, entry);
+    const FindSearch search(::FindFirstFileA(pattern, &entry));
     if (!search.isOpen()) {
         return false;
     }
