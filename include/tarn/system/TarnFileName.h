@@ -15,14 +15,21 @@
 class TARN_API TarnFileName : public TarnString {
 public:
     /// Selectors of getFileTime; any other value selects the creation time.
-    enum FileTimeSelector { kCreationTime = 1, kAccessTime = 2, kWriteTime = 3 };
+    enum FileTimeSelector {
+        kCreationTime = 1, ///< The creation time.
+        kAccessTime = 2,   ///< The last access time.
+        kWriteTime = 3     ///< The last write time.
+    };
 
+    /// Constructs an empty name.
     TarnFileName() = default;
-    /// Takes over `text` (not null) unchanged.
+    /// Takes the text over unchanged (a `text` pointer must not be null).
+    ///@{
     TarnFileName(const char *text) : TarnString(text) {}
-    /// Takes over the text of `text` unchanged.
     TarnFileName(const TarnString &text) : TarnString(text) {}
     TarnFileName(const TarnFileName &other) = default;
+    ///@}
+    /// Releases the text.
     ~TarnFileName() override;
 
     /// Copies the text of `other`.
@@ -45,20 +52,28 @@ public:
     /// backslash in front unless `path` ends in one, and a dot between them even when the
     /// extension is empty; with an empty name the text becomes `path` alone. An empty `path`
     /// counts as not ending in a backslash, so that the text then starts with one.
+    ///@{
     void setPath(const char *path);
     void setPath(const TarnString &path) { setPath(path.c_str()); }
+    ///@}
     /// Replaces the name by `name` (not null). The text becomes path, backslash, `name`, dot and
     /// extension, with the backslash and the dot written also beside empty parts.
+    ///@{
     void setFileName(const char *name);
     void setFileName(const TarnString &name) { setFileName(name.c_str()); }
+    ///@}
     /// Replaces the extension by `extension` (not null), taken as it is: a leading dot in it
     /// stays. The text becomes path, backslash, name, dot and `extension`.
+    ///@{
     void setFileExt(const char *extension);
     void setFileExt(const TarnString &extension) { setFileExt(extension.c_str()); }
+    ///@}
     /// Replaces name and extension together by `fullName` (not null): the text becomes path,
     /// backslash and `fullName`.
+    ///@{
     void setFullFileName(const char *fullName);
     void setFullFileName(const TarnString &fullName) { setFullFileName(fullName.c_str()); }
+    ///@}
 
     /// Returns true when the file opens for reading, with no sharing restriction; false for a
     /// file that is missing or does not open, and for a directory.
@@ -73,9 +88,11 @@ public:
     /// creation, 2 the last access, 3 the last write, any other value the creation. Returns
     /// 0xFFFFFFFFFFFFFFFF (every bit set) when the file does not open or its times cannot be read.
     std::uint64_t getFileTime(int selector) const;
-    /// Return getFileTime with 1, 2 and 3.
+    /// Returns the creation time: getFileTime with 1.
     std::uint64_t getCreateTime() const { return getFileTime(kCreationTime); }
+    /// Returns the last access time: getFileTime with 2.
     std::uint64_t getAccessTime() const { return getFileTime(kAccessTime); }
+    /// Returns the last write time: getFileTime with 3.
     std::uint64_t getWriteTime() const { return getFileTime(kWriteTime); }
 
     /// Steps the decimal number at the end of the name by one, zero-padded to its old width and

@@ -13,16 +13,22 @@
 /// any thread. Nothing raises of its own: `cp` answers false, the others report nothing.
 class TARN_API TarnSystem : public TarnObject {
 public:
+    /// Constructs nothing: the class holds no data.
+    ///@{
     TarnSystem() = default;
     TarnSystem(const TarnSystem &other) = default;
+    ///@}
+    /// Releases nothing.
     ~TarnSystem() override;
 
     /// Changes nothing and returns this object.
     TarnSystem &operator=(const TarnSystem &) { return *this; }
 
     /// Sends `text` to the debug text channel as one write, with nothing added (no line end).
+    ///@{
     static void out(const TarnString &text);
     static void out(const char *text);
+    ///@}
 
     /// Sends every later write of `out` and of the matrices' `dump` to `handler`, one call per
     /// write with the whole text and `context`; a null handler restores the platform's own
