@@ -7,3 +7,6 @@
 #include "tarn/foundation/TarnObject.h"
 #include "tarn/foundation/TarnString.h"
 #include "tarn/foundation/TarnVector.h"
+
+#include "tarn/system/TarnFileName.h"
+#include "tarn/system/TarnSystem.h"
