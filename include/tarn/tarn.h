@@ -7,3 +7,5 @@
 #include "tarn/foundation/TarnObject.h"
 #include "tarn/foundation/TarnString.h"
 #include "tarn/foundation/TarnVector.h"
+
+#include "tarn/crypt/TarnCrypt.h"

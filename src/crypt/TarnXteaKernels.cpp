@@ -1,0 +1,286 @@
+// XTEA multi-block kernels: portable interleaved scalar code, SSE2 and AVX2 lanes, and the choice.
+#include "crypt/TarnXteaKernels.h"
+
+#include <cstring>
+
+// The vector kernels need GCC or Clang on x86 (target attributes, cpu checks); elsewhere only
+// the portable kernel exists. The build defines TARN_XTEA_NO_AVX2 where the compiler cannot keep
+// 32-byte vectors on a properly aligned stack (GCC for Windows): there SSE2 is the widest kernel.
+#if (defined(__GNUC__) || defined(__clang__)) && (defined(__x86_64__) || defined(__i386__))
+#define TARN_XTEA_X86 1
+#include <immintrin.h>
+#if defined(__i386__)
+// A 32-bit caller may hand over a stack aligned to 4 bytes only; vector spills need more.
+#define TARN_XTEA_REALIGN __attribute__((force_align_arg_pointer))
+#else
+#define TARN_XTEA_REALIGN
+#endif
+#endif
+
+namespace tarn {
+namespace crypt {
+namespace {
+
+constexpr std::size_t kBlockBytes = 8;
+
+// Reads the block at `bytes` as two words in the machine's byte order, whatever its alignment.
+inline void loadBlock(const unsigned char *bytes, std::uint32_t &v0, std::uint32_t &v1) {
+    std::uint32_t words[2];
+    std::memcpy(words, bytes, sizeof words);
+    v0 = words[0];
+    v1 = words[1];
+}
+
+inline void storeBlock(unsigned char *bytes, std::uint32_t v0, std::uint32_t v1) {
+    const std::uint32_t words[2] = {v0, v1};
+    std::memcpy(bytes, words, sizeof words);
+}
+
+// Runs each block alone: the tails of the multi-block kernels.
+void xteaBlocksOneByOne(unsigned int rounds, const unsigned char *input, unsigned char *output,
+                        std::size_t blocks, const std::uint32_t *key, bool encipher) {
+    for (std::size_t b = 0; b < blocks; ++b) {
+        std::uint32_t v0;
+        std::uint32_t v1;
+        loadBlock(input + b * kBlockBytes, v0, v1);
+        if (encipher) {
+            xteaEncipherWords(rounds, v0, v1, key);
+        } else {
+            xteaDecipherWords(rounds, v0, v1, key);
+        }
+        storeBlock(output + b * kBlockBytes, v0, v1);
+    }
+}
+
+#if defined(TARN_XTEA_X86)
+
+// The round keys of one half-cycle are the same for every block, so they are computed once in
+// scalar code and broadcast; the lanes then differ only in their data.
+#define TARN_XTEA_MIX(v, shl, shr, add, x) add(x(shl(v, 4), shr(v, 5)), v)
+
+__attribute__((target("sse2"))) TARN_XTEA_REALIGN void
+xteaBlocksSse2Impl(unsigned int rounds, const unsigned char *input, unsigned char *output, std::size_t blocks,
+                   const std::uint32_t *key, bool encipher) {
+    constexpr std::size_t kStep = 8; // two groups of four blocks in flight
+    const std::uint32_t k[4] = {key[0], key[1], key[2], key[3]};
+    std::size_t b = 0;
+    for (; b + kStep <= blocks; b += kStep) {
+        const unsigned char *in = input + b * kBlockBytes;
+        // Load four blocks into two registers and split them into their first and second words.
+        __m128 r0 = _mm_castsi128_ps(_mm_loadu_si128(reinterpret_cast<const __m128i *>(in)));
+        __m128 r1 = _mm_castsi128_ps(_mm_loadu_si128(reinterpret_cast<const __m128i *>(in + 16)));
+        __m128 r2 = _mm_castsi128_ps(_mm_loadu_si128(reinterpret_cast<const __m128i *>(in + 32)));
+        __m128 r3 = _mm_castsi128_ps(_mm_loadu_si128(reinterpret_cast<const __m128i *>(in + 48)));
+        __m128i a0 = _mm_castps_si128(_mm_shuffle_ps(r0, r1, _MM_SHUFFLE(2, 0, 2, 0)));
+        __m128i a1 = _mm_castps_si128(_mm_shuffle_ps(r0, r1, _MM_SHUFFLE(3, 1, 3, 1)));
+        __m128i c0 = _mm_castps_si128(_mm_shuffle_ps(r2, r3, _MM_SHUFFLE(2, 0, 2, 0)));
+        __m128i c1 = _mm_castps_si128(_mm_shuffle_ps(r2, r3, _MM_SHUFFLE(3, 1, 3, 1)));
+        if (encipher) {
+            std::uint32_t sum = 0;
+            for (unsigned int r = 0; r < rounds; ++r) {
+                const __m128i k0 = _mm_set1_epi32(static_cast<int>(sum + k[sum & 3u]));
+                sum += xteaDelta;
+                const __m128i k1 = _mm_set1_epi32(static_cast<int>(sum + k[(sum >> 11) & 3u]));
+                a0 = _mm_add_epi32(
+                    a0, _mm_xor_si128(TARN_XTEA_MIX(a1, _mm_slli_epi32, _mm_srli_epi32, _mm_add_epi32,
+                                                    _mm_xor_si128),
+                                      k0));
+                c0 = _mm_add_epi32(
+                    c0, _mm_xor_si128(TARN_XTEA_MIX(c1, _mm_slli_epi32, _mm_srli_epi32, _mm_add_epi32,
+                                                    _mm_xor_si128),
+                                      k0));
+                a1 = _mm_add_epi32(
+                    a1, _mm_xor_si128(TARN_XTEA_MIX(a0, _mm_slli_epi32, _mm_srli_epi32, _mm_add_epi32,
+                                                    _mm_xor_si128),
+                                      k1));
+                c1 = _mm_add_epi32(
+                    c1, _mm_xor_si128(TARN_XTEA_MIX(c0, _mm_slli_epi32, _mm_srli_epi32, _mm_add_epi32,
+                                                    _mm_xor_si128),
+                                      k1));
+            }
+        } else {
+            std::uint32_t sum = static_cast<std::uint32_t>(rounds) * xteaDelta;
+            for (unsigned int r = 0; r < rounds; ++r) {
+                const __m128i k1 = _mm_set1_epi32(static_cast<int>(sum + k[(sum >> 11) & 3u]));
+                sum -= xteaDelta;
+                const __m128i k0 = _mm_set1_epi32(static_cast<int>(sum + k[sum & 3u]));
+                a1 = _mm_sub_epi32(
+                    a1, _mm_xor_si128(TARN_XTEA_MIX(a0, _mm_slli_epi32, _mm_srli_epi32, _mm_add_epi32,
+                                                    _mm_xor_si128),
+                                      k1));
+                c1 = _mm_sub_epi32(
+                    c1, _mm_xor_si128(TARN_XTEA_MIX(c0, _mm_slli_epi32, _mm_srli_epi32, _mm_add_epi32,
+                                                    _mm_xor_si128),
+                                      k1));
+                a0 = _mm_sub_epi32(
+                    a0, _mm_xor_si128(TARN_XTEA_MIX(a1, _mm_slli_epi32, _mm_srli_epi32, _mm_add_epi32,
+                                                    _mm_xor_si128),
+                                      k0));
+                c0 = _mm_sub_epi32(
+                    c0, _mm_xor_si128(TARN_XTEA_MIX(c1, _mm_slli_epi32, _mm_srli_epi32, _mm_add_epi32,
+                                                    _mm_xor_si128),
+                                      k0));
+            }
+        }
+        // Interleave the words back into blocks; all eight were read before any is written.
+        unsigned char *out = output + b * kBlockBytes;
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(out), _mm_unpacklo_epi32(a0, a1));
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(out + 16), _mm_unpackhi_epi32(a0, a1));
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(out + 32), _mm_unpacklo_epi32(c0, c1));
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(out + 48), _mm_unpackhi_epi32(c0, c1));
+    }
+    xteaBlocksOneByOne(rounds, input + b * kBlockBytes, output + b * kBlockBytes, blocks - b, key, encipher);
+}
+
+__attribute__((target("avx2"))) TARN_XTEA_REALIGN void
+xteaBlocksAvx2Impl(unsigned int rounds, const unsigned char *input, unsigned char *output, std::size_t blocks,
+                   const std::uint32_t *key, bool encipher) {
+    constexpr std::size_t kStep = 16; // two groups of eight blocks in flight
+    const std::uint32_t k[4] = {key[0], key[1], key[2], key[3]};
+    std::size_t b = 0;
+    for (; b + kStep <= blocks; b += kStep) {
+        const unsigned char *in = input + b * kBlockBytes;
+        // Split eight blocks into first and second words; the lane order within a register does
+        // not matter as long as the interleave below undoes it.
+        __m256 r0 = _mm256_castsi256_ps(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(in)));
+        __m256 r1 = _mm256_castsi256_ps(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(in + 32)));
+        __m256 r2 = _mm256_castsi256_ps(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(in + 64)));
+        __m256 r3 = _mm256_castsi256_ps(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(in + 96)));
+        __m256i a0 = _mm256_castps_si256(_mm256_shuffle_ps(r0, r1, _MM_SHUFFLE(2, 0, 2, 0)));
+        __m256i a1 = _mm256_castps_si256(_mm256_shuffle_ps(r0, r1, _MM_SHUFFLE(3, 1, 3, 1)));
+        __m256i c0 = _mm256_castps_si256(_mm256_shuffle_ps(r2, r3, _MM_SHUFFLE(2, 0, 2, 0)));
+        __m256i c1 = _mm256_castps_si256(_mm256_shuffle_ps(r2, r3, _MM_SHUFFLE(3, 1, 3, 1)));
+        if (encipher) {
+            std::uint32_t sum = 0;
+            for (unsigned int r = 0; r < rounds; ++r) {
+                const __m256i k0 = _mm256_set1_epi32(static_cast<int>(sum + k[sum & 3u]));
+                sum += xteaDelta;
+                const __m256i k1 = _mm256_set1_epi32(static_cast<int>(sum + k[(sum >> 11) & 3u]));
+                a0 = _mm256_add_epi32(a0, _mm256_xor_si256(TARN_XTEA_MIX(a1, _mm256_slli_epi32, _mm256_srli_epi32,
+                                                                         _mm256_add_epi32, _mm256_xor_si256),
+                                                           k0));
+                c0 = _mm256_add_epi32(c0, _mm256_xor_si256(TARN_XTEA_MIX(c1, _mm256_slli_epi32, _mm256_srli_epi32,
+                                                                         _mm256_add_epi32, _mm256_xor_si256),
+                                                           k0));
+                a1 = _mm256_add_epi32(a1, _mm256_xor_si256(TARN_XTEA_MIX(a0, _mm256_slli_epi32, _mm256_srli_epi32,
+                                                                         _mm256_add_epi32, _mm256_xor_si256),
+                                                           k1));
+                c1 = _mm256_add_epi32(c1, _mm256_xor_si256(TARN_XTEA_MIX(c0, _mm256_slli_epi32, _mm256_srli_epi32,
+                                                                         _mm256_add_epi32, _mm256_xor_si256),
+                                                           k1));
+            }
+        } else {
+            std::uint32_t sum = static_cast<std::uint32_t>(rounds) * xteaDelta;
+            for (unsigned int r = 0; r < rounds; ++r) {
+                const __m256i k1 = _mm256_set1_epi32(static_cast<int>(sum + k[(sum >> 11) & 3u]));
+                sum -= xteaDelta;
+                const __m256i k0 = _mm256_set1_epi32(static_cast<int>(sum + k[sum & 3u]));
+                a1 = _mm256_sub_epi32(a1, _mm256_xor_si256(TARN_XTEA_MIX(a0, _mm256_slli_epi32, _mm256_srli_epi32,
+                                                                         _mm256_add_epi32, _mm256_xor_si256),
+                                                           k1));
+                c1 = _mm256_sub_epi32(c1, _mm256_xor_si256(TARN_XTEA_MIX(c0, _mm256_slli_epi32, _mm256_srli_epi32,
+                                                                         _mm256_add_epi32, _mm256_xor_si256),
+                                                           k1));
+                a0 = _mm256_sub_epi32(a0, _mm256_xor_si256(TARN_XTEA_MIX(a1, _mm256_slli_epi32, _mm256_srli_epi32,
+                                                                         _mm256_add_epi32, _mm256_xor_si256),
+                                                           k0));
+                c0 = _mm256_sub_epi32(c0, _mm256_xor_si256(TARN_XTEA_MIX(c1, _mm256_slli_epi32, _mm256_srli_epi32,
+                                                                         _mm256_add_epi32, _mm256_xor_si256),
+                                                           k0));
+            }
+        }
+        unsigned char *out = output + b * kBlockBytes;
+        _mm256_storeu_si256(reinterpret_cast<__m256i *>(out), _mm256_unpacklo_epi32(a0, a1));
+        _mm256_storeu_si256(reinterpret_cast<__m256i *>(out + 32), _mm256_unpackhi_epi32(a0, a1));
+        _mm256_storeu_si256(reinterpret_cast<__m256i *>(out + 64), _mm256_unpacklo_epi32(c0, c1));
+        _mm256_storeu_si256(reinterpret_cast<__m256i *>(out + 96), _mm256_unpackhi_epi32(c0, c1));
+    }
+    xteaBlocksOneByOne(rounds, input + b * kBlockBytes, output + b * kBlockBytes, blocks - b, key, encipher);
+}
+
+#undef TARN_XTEA_MIX
+
+#endif // TARN_XTEA_X86
+
+} // namespace
+
+void xteaBlocksPortable(unsigned int rounds, const unsigned char *input, unsigned char *output,
+                        std::size_t blocks, const std::uint32_t *key, bool encipher) {
+    constexpr std::size_t kLanes = 4;
+    std::size_t b = 0;
+    for (; b + kLanes <= blocks; b += kLanes) {
+        // Four independent blocks per round give the processor four chains to overlap.
+        std::uint32_t v0[kLanes];
+        std::uint32_t v1[kLanes];
+        for (std::size_t lane = 0; lane < kLanes; ++lane) {
+            loadBlock(input + (b + lane) * kBlockBytes, v0[lane], v1[lane]);
+        }
+        if (encipher) {
+            std::uint32_t sum = 0;
+            for (unsigned int r = 0; r < rounds; ++r) {
+                const std::uint32_t k0 = sum + key[sum & 3u];
+                sum += xteaDelta;
+                const std::uint32_t k1 = sum + key[(sum >> 11) & 3u];
+                for (std::size_t lane = 0; lane < kLanes; ++lane) {
+                    v0[lane] += (((v1[lane] << 4) ^ (v1[lane] >> 5)) + v1[lane]) ^ k0;
+                    v1[lane] += (((v0[lane] << 4) ^ (v0[lane] >> 5)) + v0[lane]) ^ k1;
+                }
+            }
+        } else {
+            std::uint32_t sum = static_cast<std::uint32_t>(rounds) * xteaDelta;
+            for (unsigned int r = 0; r < rounds; ++r) {
+                const std::uint32_t k1 = sum + key[(sum >> 11) & 3u];
+                sum -= xteaDelta;
+                const std::uint32_t k0 = sum + key[sum & 3u];
+                for (std::size_t lane = 0; lane < kLanes; ++lane) {
+                    v1[lane] -= (((v0[lane] << 4) ^ (v0[lane] >> 5)) + v0[lane]) ^ k1;
+                    v0[lane] -= (((v1[lane] << 4) ^ (v1[lane] >> 5)) + v1[lane]) ^ k0;
+                }
+            }
+        }
+        for (std::size_t lane = 0; lane < kLanes; ++lane) {
+            storeBlock(output + (b + lane) * kBlockBytes, v0[lane], v1[lane]);
+        }
+    }
+    xteaBlocksOneByOne(rounds, input + b * kBlockBytes, output + b * kBlockBytes, blocks - b, key, encipher);
+}
+
+#if defined(TARN_XTEA_X86)
+const XteaBlocksKernel xteaBlocksSse2 = &xteaBlocksSse2Impl;
+const XteaBlocksKernel xteaBlocksAvx2 = &xteaBlocksAvx2Impl;
+
+bool cpuHasSse2() {
+    __builtin_cpu_init();
+    return __builtin_cpu_supports("sse2");
+}
+
+bool cpuHasAvx2() {
+#if defined(TARN_XTEA_NO_AVX2)
+    return false;
+#else
+    __builtin_cpu_init();
+    return __builtin_cpu_supports("avx2");
+#endif
+}
+#else
+const XteaBlocksKernel xteaBlocksSse2 = nullptr;
+const XteaBlocksKernel xteaBlocksAvx2 = nullptr;
+
+bool cpuHasSse2() {
+    return false;
+}
+
+bool cpuHasAvx2() {
+    return false;
+}
+#endif
+
+XteaBlocksKernel bestXteaBlocksKernel() {
+    static const XteaBlocksKernel best = cpuHasAvx2()   ? xteaBlocksAvx2
+                                         : cpuHasSse2() ? xteaBlocksSse2
+                                                        : &xteaBlocksPortable;
+    return best;
+}
+
+} // namespace crypt
+} // namespace tarn
