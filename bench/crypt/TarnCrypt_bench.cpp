@@ -22,10 +22,11 @@ std::vector<unsigned char> sampleData() {
     return data;
 }
 
-// Reports MB/s (10^6 bytes per second) as the counter "MB/s".
+// Reports MB/s (10^6 bytes per second of processor time: the machines that run this are shared)
+// as the rate counter "MB".
 void reportRate(benchmark::State &state) {
     const double bytes = static_cast<double>(state.iterations()) * static_cast<double>(kBytes);
-    state.counters["MB/s"] = benchmark::Counter(bytes / 1e6, benchmark::Counter::kIsRate);
+    state.counters["MB"] = benchmark::Counter(bytes / 1e6, benchmark::Counter::kIsRate);
 }
 
 void BM_Rc4Encrypt(benchmark::State &state) {
@@ -39,7 +40,7 @@ void BM_Rc4Encrypt(benchmark::State &state) {
     }
     reportRate(state);
 }
-BENCHMARK(BM_Rc4Encrypt)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_Rc4Encrypt)->Unit(benchmark::kMillisecond);
 
 // Argument: 1 enciphers, 0 deciphers.
 void BM_XteaBlock32(benchmark::State &state) {
@@ -48,13 +49,13 @@ void BM_XteaBlock32(benchmark::State &state) {
     const std::uint32_t key[4] = {0x01234567, 0x89abcdef, 0xfedcba98, 0x76543210};
     const bool encipher = state.range(0) != 0;
     for (auto _ : state) {
-        const bool ok = TarnCrypt::xteaBlock(32, data.data(), static_cast<unsigned int>(kBytes), out.data(), key,
-                                             encipher);
+        const bool ok = TarnCrypt::xteaBlock(32, data.data(), static_cast<unsigned int>(kBytes), out.data(),
+                                             key, encipher);
         benchmark::DoNotOptimize(ok);
         benchmark::ClobberMemory();
     }
     reportRate(state);
 }
-BENCHMARK(BM_XteaBlock32)->Arg(1)->Arg(0)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_XteaBlock32)->Arg(1)->Arg(0)->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -54,72 +54,72 @@ void xteaBlocksOneByOne(unsigned int rounds, const unsigned char *input, unsigne
 
 #if defined(TARN_XTEA_X86)
 
-// The round keys of one half-cycle are the same for every block, so they are computed once in
-// scalar code and broadcast; the lanes then differ only in their data.
-#define TARN_XTEA_MIX(v, shl, shr, add, x) add(x(shl(v, 4), shr(v, 5)), v)
+// The vector kernels precompute the round keys of up to this many cycles; more cycles than that
+// are rare and go through the portable kernel.
+constexpr unsigned int kMaxScheduledRounds = 64;
+
+// The round keys are the same for every block: schedule[2r] is what cycle r adds in its first
+// half (sum + key[sum & 3]) and schedule[2r + 1] what it adds in its second. Deciphering uses the
+// same values from the last cycle down.
+void xteaSchedule(unsigned int rounds, const std::uint32_t *key, std::uint32_t *schedule) {
+    std::uint32_t sum = 0;
+    for (unsigned int r = 0; r < rounds; ++r) {
+        schedule[2 * r] = sum + key[sum & 3u];
+        sum += xteaDelta;
+        schedule[2 * r + 1] = sum + key[(sum >> 11) & 3u];
+    }
+}
+
+// ---- SSE2: four blocks per register, two registers pairs in flight -----------------------------
+
+__attribute__((target("sse2"))) inline __m128i mix128(__m128i v) {
+    return _mm_add_epi32(_mm_xor_si128(_mm_slli_epi32(v, 4), _mm_srli_epi32(v, 5)), v);
+}
+
+__attribute__((target("sse2"))) inline __m128i splat128(std::uint32_t word) {
+    return _mm_set1_epi32(static_cast<int>(word));
+}
 
 __attribute__((target("sse2"))) TARN_XTEA_REALIGN void
 xteaBlocksSse2Impl(unsigned int rounds, const unsigned char *input, unsigned char *output, std::size_t blocks,
                    const std::uint32_t *key, bool encipher) {
-    constexpr std::size_t kStep = 8; // two groups of four blocks in flight
-    const std::uint32_t k[4] = {key[0], key[1], key[2], key[3]};
+    if (rounds > kMaxScheduledRounds) {
+        xteaBlocksPortable(rounds, input, output, blocks, key, encipher);
+        return;
+    }
+    std::uint32_t schedule[2 * kMaxScheduledRounds];
+    xteaSchedule(rounds, key, schedule);
+    constexpr std::size_t kStep = 8;
     std::size_t b = 0;
     for (; b + kStep <= blocks; b += kStep) {
         const unsigned char *in = input + b * kBlockBytes;
-        // Load four blocks into two registers and split them into their first and second words.
-        __m128 r0 = _mm_castsi128_ps(_mm_loadu_si128(reinterpret_cast<const __m128i *>(in)));
-        __m128 r1 = _mm_castsi128_ps(_mm_loadu_si128(reinterpret_cast<const __m128i *>(in + 16)));
-        __m128 r2 = _mm_castsi128_ps(_mm_loadu_si128(reinterpret_cast<const __m128i *>(in + 32)));
-        __m128 r3 = _mm_castsi128_ps(_mm_loadu_si128(reinterpret_cast<const __m128i *>(in + 48)));
+        // Load eight blocks into four registers and split them into first words (a0, c0) and
+        // second words (a1, c1).
+        const __m128 r0 = _mm_castsi128_ps(_mm_loadu_si128(reinterpret_cast<const __m128i *>(in)));
+        const __m128 r1 = _mm_castsi128_ps(_mm_loadu_si128(reinterpret_cast<const __m128i *>(in + 16)));
+        const __m128 r2 = _mm_castsi128_ps(_mm_loadu_si128(reinterpret_cast<const __m128i *>(in + 32)));
+        const __m128 r3 = _mm_castsi128_ps(_mm_loadu_si128(reinterpret_cast<const __m128i *>(in + 48)));
         __m128i a0 = _mm_castps_si128(_mm_shuffle_ps(r0, r1, _MM_SHUFFLE(2, 0, 2, 0)));
         __m128i a1 = _mm_castps_si128(_mm_shuffle_ps(r0, r1, _MM_SHUFFLE(3, 1, 3, 1)));
         __m128i c0 = _mm_castps_si128(_mm_shuffle_ps(r2, r3, _MM_SHUFFLE(2, 0, 2, 0)));
         __m128i c1 = _mm_castps_si128(_mm_shuffle_ps(r2, r3, _MM_SHUFFLE(3, 1, 3, 1)));
         if (encipher) {
-            std::uint32_t sum = 0;
             for (unsigned int r = 0; r < rounds; ++r) {
-                const __m128i k0 = _mm_set1_epi32(static_cast<int>(sum + k[sum & 3u]));
-                sum += xteaDelta;
-                const __m128i k1 = _mm_set1_epi32(static_cast<int>(sum + k[(sum >> 11) & 3u]));
-                a0 = _mm_add_epi32(
-                    a0, _mm_xor_si128(TARN_XTEA_MIX(a1, _mm_slli_epi32, _mm_srli_epi32, _mm_add_epi32,
-                                                    _mm_xor_si128),
-                                      k0));
-                c0 = _mm_add_epi32(
-                    c0, _mm_xor_si128(TARN_XTEA_MIX(c1, _mm_slli_epi32, _mm_srli_epi32, _mm_add_epi32,
-                                                    _mm_xor_si128),
-                                      k0));
-                a1 = _mm_add_epi32(
-                    a1, _mm_xor_si128(TARN_XTEA_MIX(a0, _mm_slli_epi32, _mm_srli_epi32, _mm_add_epi32,
-                                                    _mm_xor_si128),
-                                      k1));
-                c1 = _mm_add_epi32(
-                    c1, _mm_xor_si128(TARN_XTEA_MIX(c0, _mm_slli_epi32, _mm_srli_epi32, _mm_add_epi32,
-                                                    _mm_xor_si128),
-                                      k1));
+                const __m128i k0 = splat128(schedule[2 * r]);
+                const __m128i k1 = splat128(schedule[2 * r + 1]);
+                a0 = _mm_add_epi32(a0, _mm_xor_si128(mix128(a1), k0));
+                c0 = _mm_add_epi32(c0, _mm_xor_si128(mix128(c1), k0));
+                a1 = _mm_add_epi32(a1, _mm_xor_si128(mix128(a0), k1));
+                c1 = _mm_add_epi32(c1, _mm_xor_si128(mix128(c0), k1));
             }
         } else {
-            std::uint32_t sum = static_cast<std::uint32_t>(rounds) * xteaDelta;
-            for (unsigned int r = 0; r < rounds; ++r) {
-                const __m128i k1 = _mm_set1_epi32(static_cast<int>(sum + k[(sum >> 11) & 3u]));
-                sum -= xteaDelta;
-                const __m128i k0 = _mm_set1_epi32(static_cast<int>(sum + k[sum & 3u]));
-                a1 = _mm_sub_epi32(
-                    a1, _mm_xor_si128(TARN_XTEA_MIX(a0, _mm_slli_epi32, _mm_srli_epi32, _mm_add_epi32,
-                                                    _mm_xor_si128),
-                                      k1));
-                c1 = _mm_sub_epi32(
-                    c1, _mm_xor_si128(TARN_XTEA_MIX(c0, _mm_slli_epi32, _mm_srli_epi32, _mm_add_epi32,
-                                                    _mm_xor_si128),
-                                      k1));
-                a0 = _mm_sub_epi32(
-                    a0, _mm_xor_si128(TARN_XTEA_MIX(a1, _mm_slli_epi32, _mm_srli_epi32, _mm_add_epi32,
-                                                    _mm_xor_si128),
-                                      k0));
-                c0 = _mm_sub_epi32(
-                    c0, _mm_xor_si128(TARN_XTEA_MIX(c1, _mm_slli_epi32, _mm_srli_epi32, _mm_add_epi32,
-                                                    _mm_xor_si128),
-                                      k0));
+            for (unsigned int r = rounds; r-- > 0;) {
+                const __m128i k0 = splat128(schedule[2 * r]);
+                const __m128i k1 = splat128(schedule[2 * r + 1]);
+                a1 = _mm_sub_epi32(a1, _mm_xor_si128(mix128(a0), k1));
+                c1 = _mm_sub_epi32(c1, _mm_xor_si128(mix128(c0), k1));
+                a0 = _mm_sub_epi32(a0, _mm_xor_si128(mix128(a1), k0));
+                c0 = _mm_sub_epi32(c0, _mm_xor_si128(mix128(c1), k0));
             }
         }
         // Interleave the words back into blocks; all eight were read before any is written.
@@ -132,61 +132,56 @@ xteaBlocksSse2Impl(unsigned int rounds, const unsigned char *input, unsigned cha
     xteaBlocksOneByOne(rounds, input + b * kBlockBytes, output + b * kBlockBytes, blocks - b, key, encipher);
 }
 
+// ---- AVX2: eight blocks per register, two register pairs in flight -----------------------------
+
+__attribute__((target("avx2"))) inline __m256i mix256(__m256i v) {
+    return _mm256_add_epi32(_mm256_xor_si256(_mm256_slli_epi32(v, 4), _mm256_srli_epi32(v, 5)), v);
+}
+
+__attribute__((target("avx2"))) inline __m256i splat256(std::uint32_t word) {
+    return _mm256_set1_epi32(static_cast<int>(word));
+}
+
 __attribute__((target("avx2"))) TARN_XTEA_REALIGN void
 xteaBlocksAvx2Impl(unsigned int rounds, const unsigned char *input, unsigned char *output, std::size_t blocks,
                    const std::uint32_t *key, bool encipher) {
-    constexpr std::size_t kStep = 16; // two groups of eight blocks in flight
-    const std::uint32_t k[4] = {key[0], key[1], key[2], key[3]};
+    if (rounds > kMaxScheduledRounds) {
+        xteaBlocksPortable(rounds, input, output, blocks, key, encipher);
+        return;
+    }
+    std::uint32_t schedule[2 * kMaxScheduledRounds];
+    xteaSchedule(rounds, key, schedule);
+    constexpr std::size_t kStep = 16;
     std::size_t b = 0;
     for (; b + kStep <= blocks; b += kStep) {
         const unsigned char *in = input + b * kBlockBytes;
-        // Split eight blocks into first and second words; the lane order within a register does
-        // not matter as long as the interleave below undoes it.
-        __m256 r0 = _mm256_castsi256_ps(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(in)));
-        __m256 r1 = _mm256_castsi256_ps(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(in + 32)));
-        __m256 r2 = _mm256_castsi256_ps(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(in + 64)));
-        __m256 r3 = _mm256_castsi256_ps(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(in + 96)));
+        // The shuffles work within each 128-bit half, so the lanes come out in a mixed order;
+        // the unpacks below restore exactly the order the loads had.
+        const __m256 r0 = _mm256_castsi256_ps(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(in)));
+        const __m256 r1 = _mm256_castsi256_ps(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(in + 32)));
+        const __m256 r2 = _mm256_castsi256_ps(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(in + 64)));
+        const __m256 r3 = _mm256_castsi256_ps(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(in + 96)));
         __m256i a0 = _mm256_castps_si256(_mm256_shuffle_ps(r0, r1, _MM_SHUFFLE(2, 0, 2, 0)));
         __m256i a1 = _mm256_castps_si256(_mm256_shuffle_ps(r0, r1, _MM_SHUFFLE(3, 1, 3, 1)));
         __m256i c0 = _mm256_castps_si256(_mm256_shuffle_ps(r2, r3, _MM_SHUFFLE(2, 0, 2, 0)));
         __m256i c1 = _mm256_castps_si256(_mm256_shuffle_ps(r2, r3, _MM_SHUFFLE(3, 1, 3, 1)));
         if (encipher) {
-            std::uint32_t sum = 0;
             for (unsigned int r = 0; r < rounds; ++r) {
-                const __m256i k0 = _mm256_set1_epi32(static_cast<int>(sum + k[sum & 3u]));
-                sum += xteaDelta;
-                const __m256i k1 = _mm256_set1_epi32(static_cast<int>(sum + k[(sum >> 11) & 3u]));
-                a0 = _mm256_add_epi32(a0, _mm256_xor_si256(TARN_XTEA_MIX(a1, _mm256_slli_epi32, _mm256_srli_epi32,
-                                                                         _mm256_add_epi32, _mm256_xor_si256),
-                                                           k0));
-                c0 = _mm256_add_epi32(c0, _mm256_xor_si256(TARN_XTEA_MIX(c1, _mm256_slli_epi32, _mm256_srli_epi32,
-                                                                         _mm256_add_epi32, _mm256_xor_si256),
-                                                           k0));
-                a1 = _mm256_add_epi32(a1, _mm256_xor_si256(TARN_XTEA_MIX(a0, _mm256_slli_epi32, _mm256_srli_epi32,
-                                                                         _mm256_add_epi32, _mm256_xor_si256),
-                                                           k1));
-                c1 = _mm256_add_epi32(c1, _mm256_xor_si256(TARN_XTEA_MIX(c0, _mm256_slli_epi32, _mm256_srli_epi32,
-                                                                         _mm256_add_epi32, _mm256_xor_si256),
-                                                           k1));
+                const __m256i k0 = splat256(schedule[2 * r]);
+                const __m256i k1 = splat256(schedule[2 * r + 1]);
+                a0 = _mm256_add_epi32(a0, _mm256_xor_si256(mix256(a1), k0));
+                c0 = _mm256_add_epi32(c0, _mm256_xor_si256(mix256(c1), k0));
+                a1 = _mm256_add_epi32(a1, _mm256_xor_si256(mix256(a0), k1));
+                c1 = _mm256_add_epi32(c1, _mm256_xor_si256(mix256(c0), k1));
             }
         } else {
-            std::uint32_t sum = static_cast<std::uint32_t>(rounds) * xteaDelta;
-            for (unsigned int r = 0; r < rounds; ++r) {
-                const __m256i k1 = _mm256_set1_epi32(static_cast<int>(sum + k[(sum >> 11) & 3u]));
-                sum -= xteaDelta;
-                const __m256i k0 = _mm256_set1_epi32(static_cast<int>(sum + k[sum & 3u]));
-                a1 = _mm256_sub_epi32(a1, _mm256_xor_si256(TARN_XTEA_MIX(a0, _mm256_slli_epi32, _mm256_srli_epi32,
-                                                                         _mm256_add_epi32, _mm256_xor_si256),
-                                                           k1));
-                c1 = _mm256_sub_epi32(c1, _mm256_xor_si256(TARN_XTEA_MIX(c0, _mm256_slli_epi32, _mm256_srli_epi32,
-                                                                         _mm256_add_epi32, _mm256_xor_si256),
-                                                           k1));
-                a0 = _mm256_sub_epi32(a0, _mm256_xor_si256(TARN_XTEA_MIX(a1, _mm256_slli_epi32, _mm256_srli_epi32,
-                                                                         _mm256_add_epi32, _mm256_xor_si256),
-                                                           k0));
-                c0 = _mm256_sub_epi32(c0, _mm256_xor_si256(TARN_XTEA_MIX(c1, _mm256_slli_epi32, _mm256_srli_epi32,
-                                                                         _mm256_add_epi32, _mm256_xor_si256),
-                                                           k0));
+            for (unsigned int r = rounds; r-- > 0;) {
+                const __m256i k0 = splat256(schedule[2 * r]);
+                const __m256i k1 = splat256(schedule[2 * r + 1]);
+                a1 = _mm256_sub_epi32(a1, _mm256_xor_si256(mix256(a0), k1));
+                c1 = _mm256_sub_epi32(c1, _mm256_xor_si256(mix256(c0), k1));
+                a0 = _mm256_sub_epi32(a0, _mm256_xor_si256(mix256(a1), k0));
+                c0 = _mm256_sub_epi32(c0, _mm256_xor_si256(mix256(c1), k0));
             }
         }
         unsigned char *out = output + b * kBlockBytes;
@@ -197,8 +192,6 @@ xteaBlocksAvx2Impl(unsigned int rounds, const unsigned char *input, unsigned cha
     }
     xteaBlocksOneByOne(rounds, input + b * kBlockBytes, output + b * kBlockBytes, blocks - b, key, encipher);
 }
-
-#undef TARN_XTEA_MIX
 
 #endif // TARN_XTEA_X86
 

@@ -44,8 +44,8 @@ Bytes keyStream(const Bytes &key, int length) {
 
 Bytes rc4Encrypt(const Bytes &key, const Bytes &data) {
     Bytes out(data.size());
-    TarnCrypt::rc4Encrypt(key.data(), static_cast<int>(key.size()), data.data(), static_cast<int>(data.size()),
-                          out.data());
+    TarnCrypt::rc4Encrypt(key.data(), static_cast<int>(key.size()), data.data(),
+                          static_cast<int>(data.size()), out.data());
     return out;
 }
 
@@ -116,7 +116,7 @@ TEST(TarnCryptTest, Rc4KeyStreamMatchesRfc6229) {
         {0, "b2396305f03dc027ccc3524a0a1118a8"},    {16, "6982944f18fc82d589c403a47a0d0919"},
         {240, "28cb1132c96ce286421dcaadb8b69eae"},  {256, "1cfcf62b03eddb641d77dfcf7f8d8c93"},
         {496, "42b7d0cdd918a8a33dd51781c81f4041"},  {512, "6459844432a7da923cfb3eb4980661f6"},
-        {752, "ec10327bde2beefd18f9277680457e22"}, {768, "eb62638d4f0ba1fe9fca20e05bf8ff2b"},
+        {752, "ec10327bde2beefd18f9277680457e22"},  {768, "eb62638d4f0ba1fe9fca20e05bf8ff2b"},
         {1008, "45129048e6a0ed0b56b490338f078da5"}, {1024, "30abbcc7c20b01609f23ee2d5f6bb7df"},
         {1520, "3294f744d8f9790507e70f62e5bbceea"}, {1536, "d8729db41882259bee4f825325f5a130"},
         {2032, "1eb14a0c13b3bf47fa2a0ba93ad45b8b"}, {2048, "cc582f8ba9f265e2b1be9112e975d2d7"},
@@ -211,7 +211,9 @@ TEST(TarnCryptTest, XteaMatchesPublishedWordVectors) {
         std::uint32_t cipher[2];
     };
     const Vector vectors[] = {
-        {{0x01020201, 0x03040403, 0x05060605, 0x07080807}, {0x11222211, 0x33444433}, {0x9f775b19, 0xd1c7121d}},
+        {{0x01020201, 0x03040403, 0x05060605, 0x07080807},
+         {0x11222211, 0x33444433},
+         {0x9f775b19, 0xd1c7121d}},
         {{0, 0, 0, 0}, {0x01234567, 0x89abcdef}, {0x7e66c71c, 0x88897221}},
     };
     for (const Vector &v : vectors) {
@@ -317,7 +319,8 @@ TEST(TarnCryptTest, XteaBlockOverlappingBuffersGiveTheCopiedResult) {
             ASSERT_TRUE(TarnCrypt::xteaBlock(32, buffer.data() + 32, length, buffer.data() + 32 + shift, key,
                                              encipher));
             const Bytes got(buffer.begin() + 32 + shift, buffer.begin() + 32 + shift + length);
-            EXPECT_EQ(got, expected) << "output shifted by " << shift << (encipher ? " enciphering" : " deciphering");
+            EXPECT_EQ(got, expected) << "output shifted by " << shift
+                                     << (encipher ? " enciphering" : " deciphering");
         }
     }
 }
