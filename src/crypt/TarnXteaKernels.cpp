@@ -4,8 +4,7 @@
 #include <cstring>
 
 // The vector kernels need GCC or Clang on x86 (target attributes, cpu checks); elsewhere only
-// the portable kernel exists. The build defines TARN_XTEA_NO_AVX2 where the compiler cannot keep
-// 32-byte vectors on a properly aligned stack (GCC for Windows): there SSE2 is the widest kernel.
+// the portable kernel exists.
 #if (defined(__GNUC__) || defined(__clang__)) && (defined(__x86_64__) || defined(__i386__))
 #define TARN_XTEA_X86 1
 #include <immintrin.h>
@@ -248,12 +247,8 @@ bool cpuHasSse2() {
 }
 
 bool cpuHasAvx2() {
-#if defined(TARN_XTEA_NO_AVX2)
-    return false;
-#else
     __builtin_cpu_init();
     return __builtin_cpu_supports("avx2");
-#endif
 }
 #else
 const XteaBlocksKernel xteaBlocksSse2 = nullptr;
