@@ -2,12 +2,12 @@
 #include "crypt/TarnXteaKernels.h"
 
 #include <cstring>
+#include <utility>
 
 // The vector kernels need GCC or Clang on x86 (target attributes, cpu checks); elsewhere only
 // the portable kernel exists.
 #if (defined(__GNUC__) || defined(__clang__)) && (defined(__x86_64__) || defined(__i386__))
 #define TARN_XTEA_X86 1
-#include <immintrin.h>
 #if defined(__i386__)
 // A 32-bit caller may hand over a stack aligned to 4 bytes only; vector spills need more.
 #define TARN_XTEA_REALIGN __attribute__((force_align_arg_pointer))
@@ -69,127 +69,101 @@ void xteaSchedule(unsigned int rounds, const std::uint32_t *key, std::uint32_t *
     }
 }
 
-// ---- SSE2: four blocks per register, two registers pairs in flight -----------------------------
+// Words of 4 and 8 blocks side by side: the compiler maps their arithmetic onto SSE2 and AVX2
+// registers in the functions below, whose target attribute allows those instructions.
+typedef std::uint32_t Words4 __attribute__((vector_size(16)));
+typedef std::uint32_t Words8 __attribute__((vector_size(32)));
 
-__attribute__((target("sse2"))) inline __m128i mix128(__m128i v) {
-    return _mm_add_epi32(_mm_xor_si128(_mm_slli_epi32(v, 4), _mm_srli_epi32(v, 5)), v);
+// Turns two vectors that hold blocks (first word, second word, first word, ...) into one vector of
+// first words and one of second words. `I` counts the lanes, 0 to Lanes - 1.
+template <class Vec, std::size_t... I>
+__attribute__((always_inline)) inline void splitWords(Vec &low, Vec &high, std::index_sequence<I...>) {
+    const Vec first = __builtin_shufflevector(low, high, (2 * I)...);
+    high = __builtin_shufflevector(low, high, (2 * I + 1)...);
+    low = first;
 }
 
-__attribute__((target("sse2"))) inline __m128i splat128(std::uint32_t word) {
-    return _mm_set1_epi32(static_cast<int>(word));
+// The inverse of splitWords: interleaves first and second words back into blocks.
+template <class Vec, std::size_t... I>
+__attribute__((always_inline)) inline void joinWords(Vec &first, Vec &second, std::index_sequence<I...>) {
+    constexpr std::size_t kLanes = sizeof...(I);
+    const Vec low = __builtin_shufflevector(first, second, (I % 2 == 0 ? I / 2 : kLanes + I / 2)...);
+    second = __builtin_shufflevector(first, second,
+                                     (I % 2 == 0 ? kLanes / 2 + I / 2 : kLanes + kLanes / 2 + I / 2)...);
+    first = low;
 }
 
+// Runs the blocks in groups of 2 x Lanes, each group a pair of vectors (first words, second words)
+// twice over, so that two independent chains overlap; the rest goes one block at a time. Inlined
+// into each target function, which decides the instructions. `I` counts the lanes.
+template <class Vec, std::size_t... I>
+__attribute__((always_inline)) inline void
+xteaBlocksLanes(unsigned int rounds, const unsigned char *input, unsigned char *output, std::size_t blocks,
+                const std::uint32_t *key, bool encipher, std::index_sequence<I...> seq) {
+    constexpr std::size_t kLanes = sizeof...(I);
+    constexpr std::size_t kStep = 2 * kLanes;
+    if (rounds > kMaxScheduledRounds) {
+        xteaBlocksPortable(rounds, input, output, blocks, key, encipher);
+        return;
+    }
+    std::uint32_t schedule[2 * kMaxScheduledRounds];
+    xteaSchedule(rounds, key, schedule);
+    std::size_t b = 0;
+    for (; b + kStep <= blocks; b += kStep) {
+        // Load the group as four vectors of words (two blocks per 64 bits) and split them into
+        // first words (a0, c0) and second words (a1, c1).
+        const unsigned char *in = input + b * kBlockBytes;
+        Vec a0, a1, c0, c1;
+        std::memcpy(&a0, in, sizeof a0);
+        std::memcpy(&a1, in + sizeof a0, sizeof a1);
+        std::memcpy(&c0, in + 2 * sizeof a0, sizeof c0);
+        std::memcpy(&c1, in + 3 * sizeof a0, sizeof c1);
+        splitWords(a0, a1, seq);
+        splitWords(c0, c1, seq);
+        if (encipher) {
+            for (unsigned int r = 0; r < rounds; ++r) {
+                const std::uint32_t k0 = schedule[2 * r];
+                const std::uint32_t k1 = schedule[2 * r + 1];
+                a0 += (((a1 << 4) ^ (a1 >> 5)) + a1) ^ k0;
+                c0 += (((c1 << 4) ^ (c1 >> 5)) + c1) ^ k0;
+                a1 += (((a0 << 4) ^ (a0 >> 5)) + a0) ^ k1;
+                c1 += (((c0 << 4) ^ (c0 >> 5)) + c0) ^ k1;
+            }
+        } else {
+            for (unsigned int r = rounds; r-- > 0;) {
+                const std::uint32_t k0 = schedule[2 * r];
+                const std::uint32_t k1 = schedule[2 * r + 1];
+                a1 -= (((a0 << 4) ^ (a0 >> 5)) + a0) ^ k1;
+                c1 -= (((c0 << 4) ^ (c0 >> 5)) + c0) ^ k1;
+                a0 -= (((a1 << 4) ^ (a1 >> 5)) + a1) ^ k0;
+                c0 -= (((c1 << 4) ^ (c1 >> 5)) + c1) ^ k0;
+            }
+        }
+        // Interleave first and second words back into blocks. All blocks of the group were read
+        // above, before any is written here.
+        joinWords(a0, a1, seq);
+        joinWords(c0, c1, seq);
+        unsigned char *out = output + b * kBlockBytes;
+        std::memcpy(out, &a0, sizeof a0);
+        std::memcpy(out + sizeof a0, &a1, sizeof a1);
+        std::memcpy(out + 2 * sizeof a0, &c0, sizeof c0);
+        std::memcpy(out + 3 * sizeof a0, &c1, sizeof c1);
+    }
+    xteaBlocksOneByOne(rounds, input + b * kBlockBytes, output + b * kBlockBytes, blocks - b, key, encipher);
+}
+
+// Eight blocks per step in four 128-bit registers.
 __attribute__((target("sse2"))) TARN_XTEA_REALIGN void
 xteaBlocksSse2Impl(unsigned int rounds, const unsigned char *input, unsigned char *output, std::size_t blocks,
                    const std::uint32_t *key, bool encipher) {
-    if (rounds > kMaxScheduledRounds) {
-        xteaBlocksPortable(rounds, input, output, blocks, key, encipher);
-        return;
-    }
-    std::uint32_t schedule[2 * kMaxScheduledRounds];
-    xteaSchedule(rounds, key, schedule);
-    constexpr std::size_t kStep = 8;
-    std::size_t b = 0;
-    for (; b + kStep <= blocks; b += kStep) {
-        const unsigned char *in = input + b * kBlockBytes;
-        // Load eight blocks into four registers and split them into first words (a0, c0) and
-        // second words (a1, c1).
-        const __m128 r0 = _mm_castsi128_ps(_mm_loadu_si128(reinterpret_cast<const __m128i *>(in)));
-        const __m128 r1 = _mm_castsi128_ps(_mm_loadu_si128(reinterpret_cast<const __m128i *>(in + 16)));
-        const __m128 r2 = _mm_castsi128_ps(_mm_loadu_si128(reinterpret_cast<const __m128i *>(in + 32)));
-        const __m128 r3 = _mm_castsi128_ps(_mm_loadu_si128(reinterpret_cast<const __m128i *>(in + 48)));
-        __m128i a0 = _mm_castps_si128(_mm_shuffle_ps(r0, r1, _MM_SHUFFLE(2, 0, 2, 0)));
-        __m128i a1 = _mm_castps_si128(_mm_shuffle_ps(r0, r1, _MM_SHUFFLE(3, 1, 3, 1)));
-        __m128i c0 = _mm_castps_si128(_mm_shuffle_ps(r2, r3, _MM_SHUFFLE(2, 0, 2, 0)));
-        __m128i c1 = _mm_castps_si128(_mm_shuffle_ps(r2, r3, _MM_SHUFFLE(3, 1, 3, 1)));
-        if (encipher) {
-            for (unsigned int r = 0; r < rounds; ++r) {
-                const __m128i k0 = splat128(schedule[2 * r]);
-                const __m128i k1 = splat128(schedule[2 * r + 1]);
-                a0 = _mm_add_epi32(a0, _mm_xor_si128(mix128(a1), k0));
-                c0 = _mm_add_epi32(c0, _mm_xor_si128(mix128(c1), k0));
-                a1 = _mm_add_epi32(a1, _mm_xor_si128(mix128(a0), k1));
-                c1 = _mm_add_epi32(c1, _mm_xor_si128(mix128(c0), k1));
-            }
-        } else {
-            for (unsigned int r = rounds; r-- > 0;) {
-                const __m128i k0 = splat128(schedule[2 * r]);
-                const __m128i k1 = splat128(schedule[2 * r + 1]);
-                a1 = _mm_sub_epi32(a1, _mm_xor_si128(mix128(a0), k1));
-                c1 = _mm_sub_epi32(c1, _mm_xor_si128(mix128(c0), k1));
-                a0 = _mm_sub_epi32(a0, _mm_xor_si128(mix128(a1), k0));
-                c0 = _mm_sub_epi32(c0, _mm_xor_si128(mix128(c1), k0));
-            }
-        }
-        // Interleave the words back into blocks; all eight were read before any is written.
-        unsigned char *out = output + b * kBlockBytes;
-        _mm_storeu_si128(reinterpret_cast<__m128i *>(out), _mm_unpacklo_epi32(a0, a1));
-        _mm_storeu_si128(reinterpret_cast<__m128i *>(out + 16), _mm_unpackhi_epi32(a0, a1));
-        _mm_storeu_si128(reinterpret_cast<__m128i *>(out + 32), _mm_unpacklo_epi32(c0, c1));
-        _mm_storeu_si128(reinterpret_cast<__m128i *>(out + 48), _mm_unpackhi_epi32(c0, c1));
-    }
-    xteaBlocksOneByOne(rounds, input + b * kBlockBytes, output + b * kBlockBytes, blocks - b, key, encipher);
+    xteaBlocksLanes<Words4>(rounds, input, output, blocks, key, encipher, std::make_index_sequence<4>());
 }
 
-// ---- AVX2: eight blocks per register, two register pairs in flight -----------------------------
-
-__attribute__((target("avx2"))) inline __m256i mix256(__m256i v) {
-    return _mm256_add_epi32(_mm256_xor_si256(_mm256_slli_epi32(v, 4), _mm256_srli_epi32(v, 5)), v);
-}
-
-__attribute__((target("avx2"))) inline __m256i splat256(std::uint32_t word) {
-    return _mm256_set1_epi32(static_cast<int>(word));
-}
-
+// Sixteen blocks per step in four 256-bit registers.
 __attribute__((target("avx2"))) TARN_XTEA_REALIGN void
 xteaBlocksAvx2Impl(unsigned int rounds, const unsigned char *input, unsigned char *output, std::size_t blocks,
                    const std::uint32_t *key, bool encipher) {
-    if (rounds > kMaxScheduledRounds) {
-        xteaBlocksPortable(rounds, input, output, blocks, key, encipher);
-        return;
-    }
-    std::uint32_t schedule[2 * kMaxScheduledRounds];
-    xteaSchedule(rounds, key, schedule);
-    constexpr std::size_t kStep = 16;
-    std::size_t b = 0;
-    for (; b + kStep <= blocks; b += kStep) {
-        const unsigned char *in = input + b * kBlockBytes;
-        // The shuffles work within each 128-bit half, so the lanes come out in a mixed order;
-        // the unpacks below restore exactly the order the loads had.
-        const __m256 r0 = _mm256_castsi256_ps(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(in)));
-        const __m256 r1 = _mm256_castsi256_ps(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(in + 32)));
-        const __m256 r2 = _mm256_castsi256_ps(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(in + 64)));
-        const __m256 r3 = _mm256_castsi256_ps(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(in + 96)));
-        __m256i a0 = _mm256_castps_si256(_mm256_shuffle_ps(r0, r1, _MM_SHUFFLE(2, 0, 2, 0)));
-        __m256i a1 = _mm256_castps_si256(_mm256_shuffle_ps(r0, r1, _MM_SHUFFLE(3, 1, 3, 1)));
-        __m256i c0 = _mm256_castps_si256(_mm256_shuffle_ps(r2, r3, _MM_SHUFFLE(2, 0, 2, 0)));
-        __m256i c1 = _mm256_castps_si256(_mm256_shuffle_ps(r2, r3, _MM_SHUFFLE(3, 1, 3, 1)));
-        if (encipher) {
-            for (unsigned int r = 0; r < rounds; ++r) {
-                const __m256i k0 = splat256(schedule[2 * r]);
-                const __m256i k1 = splat256(schedule[2 * r + 1]);
-                a0 = _mm256_add_epi32(a0, _mm256_xor_si256(mix256(a1), k0));
-                c0 = _mm256_add_epi32(c0, _mm256_xor_si256(mix256(c1), k0));
-                a1 = _mm256_add_epi32(a1, _mm256_xor_si256(mix256(a0), k1));
-                c1 = _mm256_add_epi32(c1, _mm256_xor_si256(mix256(c0), k1));
-            }
-        } else {
-            for (unsigned int r = rounds; r-- > 0;) {
-                const __m256i k0 = splat256(schedule[2 * r]);
-                const __m256i k1 = splat256(schedule[2 * r + 1]);
-                a1 = _mm256_sub_epi32(a1, _mm256_xor_si256(mix256(a0), k1));
-                c1 = _mm256_sub_epi32(c1, _mm256_xor_si256(mix256(c0), k1));
-                a0 = _mm256_sub_epi32(a0, _mm256_xor_si256(mix256(a1), k0));
-                c0 = _mm256_sub_epi32(c0, _mm256_xor_si256(mix256(c1), k0));
-            }
-        }
-        unsigned char *out = output + b * kBlockBytes;
-        _mm256_storeu_si256(reinterpret_cast<__m256i *>(out), _mm256_unpacklo_epi32(a0, a1));
-        _mm256_storeu_si256(reinterpret_cast<__m256i *>(out + 32), _mm256_unpackhi_epi32(a0, a1));
-        _mm256_storeu_si256(reinterpret_cast<__m256i *>(out + 64), _mm256_unpacklo_epi32(c0, c1));
-        _mm256_storeu_si256(reinterpret_cast<__m256i *>(out + 96), _mm256_unpackhi_epi32(c0, c1));
-    }
-    xteaBlocksOneByOne(rounds, input + b * kBlockBytes, output + b * kBlockBytes, blocks - b, key, encipher);
+    xteaBlocksLanes<Words8>(rounds, input, output, blocks, key, encipher, std::make_index_sequence<8>());
 }
 
 #endif // TARN_XTEA_X86
