@@ -19,6 +19,24 @@ bool overlapsFromAbove(const unsigned char *input, const unsigned char *output, 
     return below(input, output) && below(output, input + length);
 }
 
+// Runs one block of two words through XTEA; nothing happens when a pointer is null. Both words are
+// read before either is written, so output may alias input in any way.
+void xteaWords(unsigned int rounds, const std::uint32_t *input, std::uint32_t *output,
+               const std::uint32_t *key, bool encipher) {
+    if (input == nullptr || output == nullptr || key == nullptr) {
+        return;
+    }
+    std::uint32_t v0 = input[0];
+    std::uint32_t v1 = input[1];
+    if (encipher) {
+        tarn::crypt::xteaEncipherWords(rounds, v0, v1, key);
+    } else {
+        tarn::crypt::xteaDecipherWords(rounds, v0, v1, key);
+    }
+    output[0] = v0;
+    output[1] = v1;
+}
+
 } // namespace
 
 TarnCrypt::~TarnCrypt() = default;
@@ -90,27 +108,12 @@ void TarnCrypt::rc4Encrypt(const unsigned char *key, int keyLength, const unsign
 
 void TarnCrypt::xteaEncipher(unsigned int rounds, const std::uint32_t *input, std::uint32_t *output,
                              const std::uint32_t *key) {
-    if (input == nullptr || output == nullptr || key == nullptr) {
-        return;
-    }
-    // Both words are read before either is written, so output may alias input in any way.
-    std::uint32_t v0 = input[0];
-    std::uint32_t v1 = input[1];
-    tarn::crypt::xteaEncipherWords(rounds, v0, v1, key);
-    output[0] = v0;
-    output[1] = v1;
+    xteaWords(rounds, input, output, key, true);
 }
 
 void TarnCrypt::xteaDecipher(unsigned int rounds, const std::uint32_t *input, std::uint32_t *output,
                              const std::uint32_t *key) {
-    if (input == nullptr || output == nullptr || key == nullptr) {
-        return;
-    }
-    std::uint32_t v0 = input[0];
-    std::uint32_t v1 = input[1];
-    tarn::crypt::xteaDecipherWords(rounds, v0, v1, key);
-    output[0] = v0;
-    output[1] = v1;
+    xteaWords(rounds, input, output, key, false);
 }
 
 bool TarnCrypt::xteaBlock(unsigned int rounds, const unsigned char *input, unsigned int length,
