@@ -43,7 +43,8 @@ using XteaBlocksKernel = void (*)(unsigned int rounds, const unsigned char *inpu
 void xteaBlocksPortable(unsigned int rounds, const unsigned char *input, unsigned char *output,
                         std::size_t blocks, const std::uint32_t *key, bool encipher);
 
-/// The SSE2 kernel (8 blocks per step in 32-bit lanes); null where the build has none.
+/// The SSE2 kernel (8 blocks per step in 32-bit lanes); null where the build has none. The vector
+/// kernels hand more than 64 cycles to the portable kernel.
 extern const XteaBlocksKernel xteaBlocksSse2;
 /// The AVX2 kernel (16 blocks per step); null where the build has none.
 extern const XteaBlocksKernel xteaBlocksAvx2;
