@@ -7,5 +7,6 @@ int main() {
     std::printf("Tarn tour\n");
     tourFoundation();
     tourSystem();
+    tourCrypt();
     return 0;
 }

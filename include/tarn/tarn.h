@@ -10,3 +10,5 @@
 
 #include "tarn/system/TarnFileName.h"
 #include "tarn/system/TarnSystem.h"
+
+#include "tarn/crypt/TarnCrypt.h"
