@@ -3,3 +3,4 @@
 
 void tourFoundation();
 void tourSystem();
+void tourConcurrency();

@@ -7,5 +7,6 @@ int main() {
     std::printf("Tarn tour\n");
     tourFoundation();
     tourSystem();
+    tourConcurrency();
     return 0;
 }
