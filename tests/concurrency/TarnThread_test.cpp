@@ -44,6 +44,19 @@ private:
     Probe *probe_;
 };
 
+// Starts `thread` at `priority` and waits until its run has begun for the `round`-th time.
+::testing::AssertionResult startAndAwaitRun(GatedThread &thread, Probe &probe,
+                                            TarnThread::Priority priority = TarnThread::Normal,
+                                            int round = 1) {
+    if (!thread.start(priority)) {
+        return ::testing::AssertionFailure() << "start refused, priority " << priority;
+    }
+    if (!probe.begun.waitFor(round)) {
+        return ::testing::AssertionFailure() << "run " << round << " did not begin, priority " << priority;
+    }
+    return ::testing::AssertionSuccess();
+}
+
 // A thread that does nothing but count its runs.
 class CountingThread : public TarnThread {
 public:
@@ -64,8 +77,7 @@ TEST(TarnThreadTest, NeverStartedIsFinishedAndWaitsReturnAtOnce) {
 TEST(TarnThreadTest, SecondStartWhileActiveIsRefusedAndStartsNothing) {
     Probe probe;
     GatedThread thread(probe);
-    ASSERT_TRUE(thread.start(TarnThread::Normal));
-    ASSERT_TRUE(probe.begun.waitFor(1));
+    ASSERT_TRUE(startAndAwaitRun(thread, probe));
     EXPECT_TRUE(thread.running());
     EXPECT_FALSE(thread.finished());
     EXPECT_FALSE(thread.wait(0)); // polls without blocking
@@ -83,8 +95,7 @@ TEST(TarnThreadTest, SecondStartWhileActiveIsRefusedAndStartsNothing) {
 TEST(TarnThreadTest, RunSeesItsHandleInPlaceAndRunsOnAThreadOfItsOwn) {
     Probe probe;
     GatedThread thread(probe);
-    ASSERT_TRUE(thread.start(TarnThread::Normal));
-    ASSERT_TRUE(probe.begun.waitFor(1));
+    ASSERT_TRUE(startAndAwaitRun(thread, probe));
     probe.open();
     ASSERT_TRUE(thread.wait(kGenerousMs));
     EXPECT_TRUE(probe.sawItselfRunning.load()) << "run began before the handle was in place";
@@ -96,8 +107,7 @@ TEST(TarnThreadTest, RestartAfterTheEndRunsAgainOnTheSameObject) {
     Probe probe;
     GatedThread thread(probe);
     for (int round = 1; round <= 3; ++round) {
-        ASSERT_TRUE(thread.start(TarnThread::Normal)) << "round " << round;
-        ASSERT_TRUE(probe.begun.waitFor(round));
+        ASSERT_TRUE(startAndAwaitRun(thread, probe, TarnThread::Normal, round));
         EXPECT_TRUE(thread.running());
         probe.open();
         ASSERT_TRUE(thread.wait(kGenerousMs));
@@ -121,20 +131,16 @@ TEST(TarnThreadTest, PrioritiesTableHoldsTheSystemLevels) {
 // Raising a priority is refused to an unprivileged process on some systems; the thread must run
 // all the same, and setting any priority on a running or ended thread must not disturb it.
 TEST(TarnThreadTest, EveryPriorityStartsAThreadThatRuns) {
-    const TarnThread::Priority priorities[] = {TarnThread::Idle,
-                                               TarnThread::Lowest,
-                                               TarnThread::BelowNormal,
-                                               TarnThread::Normal,
-                                               TarnThread::AboveNormal,
-                                               TarnThread::Highest,
-                                               TarnThread::TimeCritical,
-                                               static_cast<TarnThread::Priority>(7),
-                                               static_cast<TarnThread::Priority>(-1)};
+    // 7 lies within the enumeration's range of values but outside the table.
+    const TarnThread::Priority priorities[] = {
+        TarnThread::Idle,         TarnThread::Lowest,
+        TarnThread::BelowNormal,  TarnThread::Normal,
+        TarnThread::AboveNormal,  TarnThread::Highest,
+        TarnThread::TimeCritical, static_cast<TarnThread::Priority>(7)};
     for (TarnThread::Priority priority : priorities) {
         Probe probe;
         GatedThread thread(probe);
-        ASSERT_TRUE(thread.start(priority)) << "priority " << priority;
-        ASSERT_TRUE(probe.begun.waitFor(1)) << "priority " << priority;
+        ASSERT_TRUE(startAndAwaitRun(thread, probe, priority));
         for (TarnThread::Priority other : priorities) {
             thread.setPriority(other);
         }
@@ -149,8 +155,7 @@ TEST(TarnThreadTest, EveryPriorityStartsAThreadThatRuns) {
 TEST(TarnThreadTest, AnyThreadMayWaitForTheEnd) {
     Probe probe;
     GatedThread thread(probe);
-    ASSERT_TRUE(thread.start(TarnThread::Normal));
-    ASSERT_TRUE(probe.begun.waitFor(1));
+    ASSERT_TRUE(startAndAwaitRun(thread, probe));
     std::atomic<int> ended{0};
     std::thread waiters[3];
     for (std::thread &waiter : waiters) {
@@ -205,8 +210,7 @@ TEST(TarnThreadTest, SleepsLastAtLeastTheirTimeAndSecondsWrapIn32Bits) {
 TEST(TarnThreadTest, CopiesReferToTheSameSystemThread) {
     Probe probe;
     GatedThread thread(probe);
-    ASSERT_TRUE(thread.start(TarnThread::Normal));
-    ASSERT_TRUE(probe.begun.waitFor(1));
+    ASSERT_TRUE(startAndAwaitRun(thread, probe));
     GatedThread kept(thread);
     {
         GatedThread copy(thread);

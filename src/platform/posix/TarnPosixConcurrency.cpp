@@ -1,5 +1,6 @@
 // POSIX implementation of the semaphores, threads and sleep of the platform seam.
 #include "platform/TarnPlatform.h"
+#include "platform/TarnReferenceCount.h"
 
 #include <algorithm>
 #include <atomic>
@@ -58,7 +59,7 @@ bool waitUntil(std::condition_variable &condition, std::unique_lock<std::mutex> 
 
 // Drops one reference of a thread record; the last one deletes it.
 void dropThread(ThreadObject *thread) {
-    if (thread->references.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+    if (dropReference(thread)) {
         delete thread;
     }
 }
@@ -116,14 +117,11 @@ SemaphoreObject *createSemaphore(int count) {
 }
 
 SemaphoreObject *shareSemaphore(SemaphoreObject *semaphore) {
-    if (semaphore != nullptr) {
-        semaphore->references.fetch_add(1, std::memory_order_relaxed);
-    }
-    return semaphore;
+    return addReference(semaphore);
 }
 
 void dropSemaphore(SemaphoreObject *semaphore) {
-    if (semaphore != nullptr && semaphore->references.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+    if (dropReference(semaphore)) {
         delete semaphore;
     }
 }
@@ -176,16 +174,11 @@ ThreadObject *createSuspendedThread(ThreadEntry entry, void *argument) {
 }
 
 ThreadObject *shareThread(ThreadObject *thread) {
-    if (thread != nullptr) {
-        thread->references.fetch_add(1, std::memory_order_relaxed);
-    }
-    return thread;
+    return addReference(thread);
 }
 
 void closeThread(ThreadObject *thread) {
-    if (thread != nullptr) {
-        dropThread(thread);
-    }
+    dropThread(thread);
 }
 
 bool setThreadPriority(ThreadObject *thread, int level) {

@@ -1,5 +1,6 @@
 // Win32 implementation of the semaphores, threads and sleep of the platform seam.
 #include "platform/TarnPlatform.h"
+#include "platform/TarnReferenceCount.h"
 
 #include <atomic>
 #include <new>
@@ -63,14 +64,11 @@ SemaphoreObject *createSemaphore(int count) {
 }
 
 SemaphoreObject *shareSemaphore(SemaphoreObject *semaphore) {
-    if (semaphore != nullptr) {
-        semaphore->references.fetch_add(1, std::memory_order_relaxed);
-    }
-    return semaphore;
+    return addReference(semaphore);
 }
 
 void dropSemaphore(SemaphoreObject *semaphore) {
-    if (semaphore != nullptr && semaphore->references.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+    if (dropReference(semaphore)) {
         CloseHandle(semaphore->handle);
         delete semaphore;
     }
@@ -106,14 +104,11 @@ ThreadObject *createSuspendedThread(ThreadEntry entry, void *argument) {
 }
 
 ThreadObject *shareThread(ThreadObject *thread) {
-    if (thread != nullptr) {
-        thread->references.fetch_add(1, std::memory_order_relaxed);
-    }
-    return thread;
+    return addReference(thread);
 }
 
 void closeThread(ThreadObject *thread) {
-    if (thread != nullptr && thread->references.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+    if (dropReference(thread)) {
         CloseHandle(thread->handle);
         delete thread;
     }
