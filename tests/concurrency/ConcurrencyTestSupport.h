@@ -1,15 +1,18 @@
-// Helpers of the concurrency tests: a counting signal to wait on with a generous deadline.
+// Helpers of the concurrency tests: a counting signal to wait on, and a thread that runs a function.
 #pragma once
+
+#include <tarn/tarn.h>
 
 #include <chrono>
 #include <condition_variable>
+#include <functional>
 #include <mutex>
+#include <utility>
 
 namespace tarntest {
 
-/// The bound of every wait in these tests: long enough for a loaded machine and a sanitizer.
-constexpr std::chrono::seconds kGenerous{30};
-/// The same bound in milliseconds, for TarnThread::wait.
+/// The bound of every wait in these tests, in milliseconds: long enough for a loaded machine
+/// under a sanitizer.
 constexpr unsigned long kGenerousMs = 30000;
 
 /// Counts notifications; a test waits until the count reaches a number, with a deadline, so
@@ -25,10 +28,10 @@ public:
         changed_.notify_all();
     }
 
-    /// Waits until the count is at least `count`, at most `timeout`; returns whether it is.
-    bool waitFor(int count, std::chrono::milliseconds timeout = kGenerous) {
+    /// Waits until the count is at least `count`, at most `timeoutMs`; returns whether it is.
+    bool waitFor(int count, unsigned long timeoutMs = kGenerousMs) {
         std::unique_lock<std::mutex> lock(mutex_);
-        return changed_.wait_for(lock, timeout, [&] { return count_ >= count; });
+        return changed_.wait_for(lock, std::chrono::milliseconds(timeoutMs), [&] { return count_ >= count; });
     }
 
     /// Returns the count now.
@@ -41,6 +44,16 @@ private:
     std::mutex mutex_;
     std::condition_variable changed_;
     int count_ = 0;
+};
+
+/// A TarnThread whose run calls a function given by the test.
+class FunctionThread : public TarnThread {
+public:
+    explicit FunctionThread(std::function<void()> body) : body_(std::move(body)) {}
+    void run() override { body_(); }
+
+private:
+    std::function<void()> body_;
 };
 
 } // namespace tarntest

@@ -1,12 +1,11 @@
 // Tests of the counting semaphore: its count, its maximum, shared copies and blocking.
 #include "ConcurrencyTestSupport.h"
 
-#include <tarn/tarn.h>
-
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <thread>
+#include <sstream>
+#include <string>
 
 namespace {
 
@@ -16,80 +15,69 @@ int freeUnits(TarnSemaphore &semaphore) {
     while (semaphore.tryAcquire(1)) {
         ++free;
     }
-    if (free > 0) {
-        semaphore.release(free);
-    }
+    semaphore.release(free);
     return free;
 }
 
-TEST(TarnSemaphoreTest, StartsFullAndCountsUnitsTakenAndGivenBack) {
-    TarnSemaphore semaphore(3);
-    EXPECT_TRUE(semaphore.tryAcquire(3));
-    EXPECT_FALSE(semaphore.tryAcquire(1));
-    semaphore.release(1);
-    EXPECT_TRUE(semaphore.tryAcquire(1));
-    EXPECT_FALSE(semaphore.tryAcquire(1));
-    semaphore.release(3);
-    EXPECT_EQ(freeUnits(semaphore), 3);
-}
-
-TEST(TarnSemaphoreTest, DefaultConstructedIsAMutex) {
-    TarnSemaphore semaphore;
-    EXPECT_TRUE(semaphore.tryAcquire(1));
-    EXPECT_FALSE(semaphore.tryAcquire(1));
-    semaphore.release(1);
-    EXPECT_TRUE(semaphore.tryAcquire(1));
-}
-
-TEST(TarnSemaphoreTest, ReleaseBeyondMaximumChangesNothing) {
-    struct Case {
-        int taken;   // units taken before the release
-        int release; // units given back
-        int freeAfter;
-    };
-    const Case cases[] = {
-        {0, 1, 3},       // at the maximum already
-        {1, 2, 2},       // would pass the maximum by one: fails as a whole, not in part
-        {2, 2, 3},       // exactly back to the maximum
-        {2, 0, 1},       // nothing to give
-        {2, -1, 1},      // a negative count gives nothing
-        {3, INT_MAX, 0}, // a sum that would overflow
-    };
-    for (const Case &c : cases) {
-        TarnSemaphore semaphore(3);
-        ASSERT_TRUE(semaphore.tryAcquire(c.taken));
-        semaphore.release(c.release);
-        EXPECT_EQ(freeUnits(semaphore), c.freeAfter) << "taken " << c.taken << ", released " << c.release;
+// Runs `script` on a new semaphore of `count` units; returns the first step that failed, or "".
+// Steps: tN+ / tN- tryAcquire(N) gives true / false; rN release(N); aN acquire(N), where it
+// cannot block; =N exactly N units are free.
+std::string runScript(int count, const std::string &script) {
+    TarnSemaphore semaphore(count);
+    std::istringstream steps(script);
+    std::string step;
+    while (steps >> step) {
+        const char expected = step.back();
+        const bool withResult = expected == '+' || expected == '-';
+        const int n = std::stoi(step.substr(1, step.size() - (withResult ? 2 : 1)));
+        bool ok = true;
+        switch (step[0]) {
+        case 't':
+            ok = semaphore.tryAcquire(n) == (expected == '+');
+            break;
+        case 'r':
+            semaphore.release(n);
+            break;
+        case 'a':
+            semaphore.acquire(n);
+            break;
+        default:
+            ok = freeUnits(semaphore) == n;
+            break;
+        }
+        if (!ok) {
+            return step;
+        }
     }
+    return "";
 }
 
-TEST(TarnSemaphoreTest, CountBelowOneGivesADeadSemaphoreThatNeverBlocks) {
-    for (int count : {0, -1, INT_MIN}) {
-        TarnSemaphore semaphore(count);
-        semaphore.acquire(1); // must return at once, having taken nothing
-        semaphore.acquire(INT_MAX);
-        EXPECT_FALSE(semaphore.tryAcquire(1)) << count;
-        semaphore.release(1);
-        EXPECT_FALSE(semaphore.tryAcquire(1)) << "a dead semaphore took a release, count " << count;
-        EXPECT_TRUE(semaphore.tryAcquire(0));
+TEST(TarnSemaphoreTest, CountsUnitsUpToItsMaximum) {
+    const struct {
+        int count;
+        const char *script;
+    } cases[] = {
+        {3, "t3+ t1- r1 t1+ t1- r3 =3"},         // starts full, counts down and up
+        {3, "r1 =3"},                            // a release at the maximum changes nothing
+        {3, "t1+ r2 =2"},                        // one past the maximum fails as a whole
+        {3, "t3+ r2147483647 =0"},               // a sum that would overflow
+        {3, "t2+ r0 r-1 =1"},                    // nothing to give back
+        {3, "a0 a-1 a-2147483648 t0+ t-5+ =3"},  // requests below 1 take nothing
+        {3, "t2+ t2- =1"},                       // a failed tryAcquire gives back what it took
+        {0, "a1 a2147483647 t1- r1 t1- t0+ =0"}, // dead: never blocks, takes and gives nothing
+        {-1, "a1 t1- r1 t1-"},                   // as dead below 0
+        {INT_MIN, "a1 r1 =0"},                   // and at the lowest count
+    };
+    for (const auto &c : cases) {
+        EXPECT_EQ(runScript(c.count, c.script), "") << "count " << c.count << ": " << c.script;
     }
-}
-
-TEST(TarnSemaphoreTest, NonPositiveRequestsTakeNothing) {
-    TarnSemaphore semaphore(2);
-    semaphore.acquire(0);
-    semaphore.acquire(-1);
-    semaphore.acquire(INT_MIN);
-    EXPECT_TRUE(semaphore.tryAcquire(0));
-    EXPECT_TRUE(semaphore.tryAcquire(-5));
-    EXPECT_EQ(freeUnits(semaphore), 2);
-}
-
-TEST(TarnSemaphoreTest, FailedTryAcquireGivesBackWhatItTook) {
-    TarnSemaphore semaphore(3);
-    ASSERT_TRUE(semaphore.tryAcquire(2));
-    EXPECT_FALSE(semaphore.tryAcquire(2)); // takes the last unit, then fails on the next
-    EXPECT_EQ(freeUnits(semaphore), 1);
+    TarnSemaphore mutex; // one unit by default
+    EXPECT_TRUE(mutex.tryAcquire(1));
+    EXPECT_FALSE(mutex.tryAcquire(1));
+    const TarnObject &object = mutex;
+    EXPECT_EQ(object.getClassName(), "TarnSemaphore");
+    EXPECT_TRUE(object.isa("TarnSemaphore"));
+    EXPECT_FALSE(object.isa("TarnThread"));
 }
 
 TEST(TarnSemaphoreTest, CopiesShareOneCountAndOutliveTheOriginal) {
@@ -101,48 +89,31 @@ TEST(TarnSemaphoreTest, CopiesShareOneCountAndOutliveTheOriginal) {
     EXPECT_TRUE(copy.tryAcquire(1));
     EXPECT_FALSE(assigned.tryAcquire(1));
     delete original; // the copies keep the semaphore alive
+    const TarnSemaphore &alias = assigned;
+    assigned = alias; // and so does assigning a semaphore to itself
     assigned.release(2);
     EXPECT_EQ(freeUnits(copy), 2);
-
-    // Assigning a semaphore to itself keeps it.
-    TarnSemaphore &alias = copy;
-    copy = alias;
+    copy = TarnSemaphore(0); // a copy of a dead semaphore is dead
+    EXPECT_FALSE(copy.tryAcquire(1));
     EXPECT_EQ(freeUnits(assigned), 2);
-    EXPECT_EQ(freeUnits(copy), 2);
-}
-
-TEST(TarnSemaphoreTest, AssignmentFromADeadSemaphoreMakesItDead) {
-    TarnSemaphore semaphore(2);
-    semaphore = TarnSemaphore(0);
-    EXPECT_FALSE(semaphore.tryAcquire(1));
-    semaphore.acquire(1);
 }
 
 TEST(TarnSemaphoreTest, AcquireWaitsUntilAnotherThreadReleases) {
     TarnSemaphore semaphore(2);
     semaphore.acquire(2);
     tarntest::Signal acquired;
-    TarnSemaphore shared(semaphore);
-    std::thread waiter([&] {
-        shared.acquire(2);
+    tarntest::FunctionThread waiter([&] {
+        semaphore.acquire(2);
         acquired.notify();
     });
+    ASSERT_TRUE(waiter.start(TarnThread::Normal));
     semaphore.release(1);
     // One unit of two is free: the waiter must still be waiting for the second.
-    EXPECT_FALSE(acquired.waitFor(1, std::chrono::milliseconds(50)));
+    EXPECT_FALSE(acquired.waitFor(1, 50));
     semaphore.release(1);
     EXPECT_TRUE(acquired.waitFor(1));
-    waiter.join();
+    ASSERT_TRUE(waiter.wait(tarntest::kGenerousMs));
     EXPECT_EQ(freeUnits(semaphore), 0);
-}
-
-TEST(TarnSemaphoreTest, HasItsClassIdentity) {
-    const TarnSemaphore semaphore;
-    const TarnObject &object = semaphore;
-    EXPECT_EQ(object.getClassName(), "TarnSemaphore");
-    EXPECT_TRUE(object.isa("TarnSemaphore"));
-    EXPECT_FALSE(object.isa("TarnObject"));
-    EXPECT_FALSE(object.isa("TarnThread"));
 }
 
 } // namespace

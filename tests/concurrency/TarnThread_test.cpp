@@ -1,41 +1,37 @@
 // Tests of the thread base class: states, start and restart, priorities, waits and copies.
 #include "ConcurrencyTestSupport.h"
 
-#include <tarn/tarn.h>
-
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <chrono>
 #include <thread>
+#include <vector>
 
 namespace {
 
 using tarntest::kGenerousMs;
 
-// What a GatedThread reports, kept outside the thread object so that copies share it.
+// A thread whose run reports that it began and whether it saw itself active, then waits until
+// the test opens the gate (one unit per run). The report lives outside the object, so copies
+// share it.
 struct Probe {
     TarnSemaphore gate{1};
     tarntest::Signal begun;
-    std::atomic<int> runs{0};
-    std::atomic<bool> sawItselfRunning{false};
-    std::atomic<bool> sawItselfFinished{true};
+    std::atomic<int> sawItselfActive{0};
     std::thread::id runThread;
-
-    Probe() { gate.tryAcquire(1); } // closed until the test opens it
-    void open() { gate.release(1); }
+    Probe() { gate.tryAcquire(1); }
 };
 
-// A thread whose run reports that it began, then waits until the test opens the gate.
 class GatedThread : public TarnThread {
 public:
     explicit GatedThread(Probe &probe) : probe_(&probe) {}
 
     void run() override {
         probe_->runThread = std::this_thread::get_id();
-        probe_->sawItselfRunning = running();
-        probe_->sawItselfFinished = finished();
-        probe_->runs.fetch_add(1);
+        if (running() && !finished()) {
+            probe_->sawItselfActive.fetch_add(1);
+        }
         probe_->begun.notify();
         probe_->gate.acquire(1);
     }
@@ -57,98 +53,48 @@ private:
     return ::testing::AssertionSuccess();
 }
 
-// A thread that does nothing but count its runs.
-class CountingThread : public TarnThread {
-public:
-    void run() override { runs.fetch_add(1); }
-    std::atomic<int> runs{0};
-};
-
-TEST(TarnThreadTest, NeverStartedIsFinishedAndWaitsReturnAtOnce) {
-    CountingThread thread;
+TEST(TarnThreadTest, GoesFromNeverStartedToActiveToEndedAndRestarts) {
+    Probe probe;
+    GatedThread thread(probe);
     thread.setPriority(TarnThread::Highest); // no thread yet: does nothing
     EXPECT_FALSE(thread.running());
     EXPECT_TRUE(thread.finished());
     EXPECT_TRUE(thread.wait(0));
     EXPECT_TRUE(thread.wait(0xFFFFFFFFul));
-    EXPECT_EQ(thread.runs.load(), 0);
-}
-
-TEST(TarnThreadTest, SecondStartWhileActiveIsRefusedAndStartsNothing) {
-    Probe probe;
-    GatedThread thread(probe);
-    ASSERT_TRUE(startAndAwaitRun(thread, probe));
-    EXPECT_TRUE(thread.running());
-    EXPECT_FALSE(thread.finished());
-    EXPECT_FALSE(thread.wait(0)); // polls without blocking
-    EXPECT_FALSE(thread.start(TarnThread::Normal));
-    EXPECT_FALSE(thread.start(TarnThread::Highest));
-
-    probe.open();
-    ASSERT_TRUE(thread.wait(kGenerousMs));
-    EXPECT_FALSE(thread.running());
-    EXPECT_TRUE(thread.finished());
-    EXPECT_TRUE(thread.wait(0));
-    EXPECT_EQ(probe.runs.load(), 1);
-}
-
-TEST(TarnThreadTest, RunSeesItsHandleInPlaceAndRunsOnAThreadOfItsOwn) {
-    Probe probe;
-    GatedThread thread(probe);
-    ASSERT_TRUE(startAndAwaitRun(thread, probe));
-    probe.open();
-    ASSERT_TRUE(thread.wait(kGenerousMs));
-    EXPECT_TRUE(probe.sawItselfRunning.load()) << "run began before the handle was in place";
-    EXPECT_FALSE(probe.sawItselfFinished.load());
-    EXPECT_NE(probe.runThread, std::this_thread::get_id());
-}
-
-TEST(TarnThreadTest, RestartAfterTheEndRunsAgainOnTheSameObject) {
-    Probe probe;
-    GatedThread thread(probe);
     for (int round = 1; round <= 3; ++round) {
         ASSERT_TRUE(startAndAwaitRun(thread, probe, TarnThread::Normal, round));
         EXPECT_TRUE(thread.running());
-        probe.open();
+        EXPECT_FALSE(thread.finished());
+        EXPECT_FALSE(thread.wait(0)); // polls without blocking
+        EXPECT_FALSE(thread.start(TarnThread::Highest)) << "a second start while active went ahead";
+        probe.gate.release(1);
         ASSERT_TRUE(thread.wait(kGenerousMs));
+        EXPECT_FALSE(thread.running());
         EXPECT_TRUE(thread.finished());
-        EXPECT_EQ(probe.runs.load(), round);
+        EXPECT_EQ(probe.begun.count(), round);
     }
+    EXPECT_EQ(probe.sawItselfActive.load(), 3) << "run began before the handle was in place";
+    EXPECT_NE(probe.runThread, std::this_thread::get_id());
+    EXPECT_EQ(thread.getClassName(), "TarnThread");
+    EXPECT_TRUE(thread.isa("TarnThread"));
 }
 
-TEST(TarnThreadTest, PrioritiesTableHoldsTheSystemLevels) {
-    const struct {
-        TarnThread::Priority priority;
-        int level;
-    } table[] = {{TarnThread::Idle, -15},       {TarnThread::Lowest, -2},     {TarnThread::BelowNormal, -1},
-                 {TarnThread::Normal, 0},       {TarnThread::AboveNormal, 1}, {TarnThread::Highest, 2},
-                 {TarnThread::TimeCritical, 15}};
-    for (const auto &row : table) {
-        EXPECT_EQ(TarnThread::Priorities[row.priority], row.level) << "priority " << row.priority;
-    }
-}
-
-// Raising a priority is refused to an unprivileged process on some systems; the thread must run
-// all the same, and setting any priority on a running or ended thread must not disturb it.
+// Raising a priority may be refused to an unprivileged process; the thread must run all the
+// same, whatever priority is set while it runs or after it ended.
 TEST(TarnThreadTest, EveryPriorityStartsAThreadThatRuns) {
-    // 7 lies within the enumeration's range of values but outside the table.
-    const TarnThread::Priority priorities[] = {
-        TarnThread::Idle,         TarnThread::Lowest,
-        TarnThread::BelowNormal,  TarnThread::Normal,
-        TarnThread::AboveNormal,  TarnThread::Highest,
-        TarnThread::TimeCritical, static_cast<TarnThread::Priority>(7)};
-    for (TarnThread::Priority priority : priorities) {
+    EXPECT_EQ(std::vector<int>(TarnThread::Priorities, TarnThread::Priorities + 7),
+              (std::vector<int>{-15, -2, -1, 0, 1, 2, 15}));
+    for (int level = 0; level <= 7; ++level) { // 7: in the enumeration's range, outside the table
         Probe probe;
         GatedThread thread(probe);
-        ASSERT_TRUE(startAndAwaitRun(thread, probe, priority));
-        for (TarnThread::Priority other : priorities) {
-            thread.setPriority(other);
+        ASSERT_TRUE(startAndAwaitRun(thread, probe, static_cast<TarnThread::Priority>(level)));
+        for (int other = 0; other <= 7; ++other) {
+            thread.setPriority(static_cast<TarnThread::Priority>(other));
         }
-        probe.open();
-        ASSERT_TRUE(thread.wait(kGenerousMs)) << "priority " << priority;
-        thread.setPriority(TarnThread::Highest); // on an ended thread: no effect
+        probe.gate.release(1);
+        ASSERT_TRUE(thread.wait(kGenerousMs)) << "priority " << level;
+        thread.setPriority(TarnThread::Highest);
         EXPECT_TRUE(thread.finished());
-        EXPECT_EQ(probe.runs.load(), 1);
     }
 }
 
@@ -157,43 +103,39 @@ TEST(TarnThreadTest, AnyThreadMayWaitForTheEnd) {
     GatedThread thread(probe);
     ASSERT_TRUE(startAndAwaitRun(thread, probe));
     std::atomic<int> ended{0};
-    std::thread waiters[3];
-    for (std::thread &waiter : waiters) {
-        waiter = std::thread([&] {
-            if (thread.wait(kGenerousMs)) {
-                ended.fetch_add(1);
-            }
-        });
+    tarntest::FunctionThread waiters[] = {
+        tarntest::FunctionThread([&] { ended += thread.wait(kGenerousMs); }),
+        tarntest::FunctionThread([&] { ended += thread.wait(kGenerousMs); })};
+    for (auto &waiter : waiters) {
+        ASSERT_TRUE(waiter.start(TarnThread::Normal));
     }
-    probe.open();
-    for (std::thread &waiter : waiters) {
-        waiter.join();
+    probe.gate.release(1);
+    for (auto &waiter : waiters) {
+        ASSERT_TRUE(waiter.wait(kGenerousMs));
     }
-    EXPECT_EQ(ended.load(), 3);
-    EXPECT_TRUE(thread.finished());
+    EXPECT_EQ(ended.load(), 2);
 }
 
 TEST(TarnThreadTest, BeginThreadRunsRunOnTheCallingThreadAndReturnsZero) {
-    CountingThread thread;
+    std::thread::id ranOn;
+    tarntest::FunctionThread thread([&] { ranOn = std::this_thread::get_id(); });
     EXPECT_EQ(TarnThread::beginThread(&thread), 0ul);
-    EXPECT_EQ(thread.runs.load(), 1);
+    EXPECT_EQ(ranOn, std::this_thread::get_id());
     EXPECT_TRUE(thread.finished()); // no system thread was made
 }
 
-// A thread that times its own sleeps.
+// A thread that times its own sleeps, in milliseconds.
 class SleepingThread : public TarnThread {
 public:
     void run() override {
-        using Clock = std::chrono::steady_clock;
-        const Clock::time_point begin = Clock::now();
+        const auto begin = std::chrono::steady_clock::now();
         msleep(20);
-        const Clock::time_point afterMsleep = Clock::now();
+        const auto middle = std::chrono::steady_clock::now();
         sleep(0);
-        // 4294968 seconds are 4294968000 ms, which wraps round in 32 bits to 704 ms.
-        sleep(4294968ul);
-        const Clock::time_point end = Clock::now();
-        msleepMs = std::chrono::duration_cast<std::chrono::milliseconds>(afterMsleep - begin).count();
-        sleepMs = std::chrono::duration_cast<std::chrono::milliseconds>(end - afterMsleep).count();
+        sleep(4294968ul); // 4294968000 ms, which wraps round in 32 bits to 704 ms
+        const auto end = std::chrono::steady_clock::now();
+        msleepMs = std::chrono::duration_cast<std::chrono::milliseconds>(middle - begin).count();
+        sleepMs = std::chrono::duration_cast<std::chrono::milliseconds>(end - middle).count();
     }
     long long msleepMs = 0;
     long long sleepMs = 0;
@@ -202,7 +144,7 @@ public:
 TEST(TarnThreadTest, SleepsLastAtLeastTheirTimeAndSecondsWrapIn32Bits) {
     SleepingThread thread;
     ASSERT_TRUE(thread.start(TarnThread::Normal));
-    ASSERT_TRUE(thread.wait(kGenerousMs)) << "sleep of seconds did not wrap in 32 bits";
+    ASSERT_TRUE(thread.wait(kGenerousMs)) << "a sleep of seconds did not wrap in 32 bits";
     EXPECT_GE(thread.msleepMs, 20);
     EXPECT_GE(thread.sleepMs, 704);
 }
@@ -211,32 +153,21 @@ TEST(TarnThreadTest, CopiesReferToTheSameSystemThread) {
     Probe probe;
     GatedThread thread(probe);
     ASSERT_TRUE(startAndAwaitRun(thread, probe));
-    GatedThread kept(thread);
     {
         GatedThread copy(thread);
         EXPECT_TRUE(copy.running());
         EXPECT_FALSE(copy.start(TarnThread::Normal)); // the shared run is active
-    } // the copy lets go of the thread; the others still refer to it
-
+    } // the copy lets go of the thread; the original still refers to it
     Probe otherProbe;
     GatedThread assigned(otherProbe);
     assigned = thread;
-    GatedThread &alias = assigned;
-    assigned = alias; // assignment to itself keeps the reference
+    const GatedThread &alias = assigned;
+    assigned = alias; // assigning to itself keeps the reference
     EXPECT_TRUE(assigned.running());
-
-    probe.open();
+    probe.gate.release(1);
     ASSERT_TRUE(thread.wait(kGenerousMs));
-    EXPECT_TRUE(kept.wait(0));
     EXPECT_TRUE(assigned.finished());
-    EXPECT_EQ(probe.runs.load(), 1);
-}
-
-TEST(TarnThreadTest, HasItsClassIdentity) {
-    const CountingThread thread;
-    EXPECT_EQ(thread.getClassName(), "TarnThread");
-    EXPECT_TRUE(thread.isa("TarnThread"));
-    EXPECT_FALSE(thread.isa("TarnTimer"));
+    EXPECT_EQ(probe.begun.count(), 1);
 }
 
 } // namespace

@@ -33,16 +33,16 @@ public:
     /// Takes `n` units, one at a time, waiting without limit for each. `n` below 1 does nothing;
     /// a dead semaphore returns at once having taken nothing. Not atomic: two callers may each
     /// hold part of what they asked for, and may then wait for each other for good.
-    void acquire(int n = 1);
+    void acquire(int n);
 
     /// Takes `n` units, one at a time, without waiting. Returns true when all `n` were taken, and
     /// at once for `n` below 1. Returns false at the first unit that is not free; the units taken
     /// before it are given back, so a failed call leaves the count as another caller left it.
-    bool tryAcquire(int n = 1);
+    bool tryAcquire(int n);
 
     /// Gives `n` units back in one step. When that would pass the maximum, when `n` is below 1,
     /// or on a dead semaphore, nothing changes and nothing is reported.
-    void release(int n = 1);
+    void release(int n);
 
 protected:
     using TarnObject::isa;
