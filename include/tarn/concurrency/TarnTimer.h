@@ -20,7 +20,10 @@ class TARN_API TarnTimer : public TarnThread {
 public:
     /// Makes an idle timer with no listeners.
     TarnTimer();
+    /// A copy would share the thread but not the stop request, so `stop` on it could wait for
+    /// good: timers are not copied.
     TarnTimer(const TarnTimer &) = delete;
+    /// Not assignable, for the same reason.
     TarnTimer &operator=(const TarnTimer &) = delete;
     /// Deletes the cells that hold the listeners' addresses, never the listeners. Does not stop
     /// the thread: stop the timer first.

@@ -11,6 +11,7 @@ class TarnTimer;
 /// virtual and therefore protected: a listener is never deleted through this interface.
 class TARN_API TarnTimerListener {
 public:
+    /// Makes a listener; there is nothing to set.
     TarnTimerListener() = default;
     /// Copies nothing.
     TarnTimerListener(const TarnTimerListener &) {}
@@ -21,5 +22,6 @@ public:
     virtual void timerElapsed(TarnTimer &timer) = 0;
 
 protected:
+    /// Destroys nothing of its own; only a derived listener is ever destroyed.
     ~TarnTimerListener() = default;
 };
