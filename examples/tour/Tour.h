@@ -4,3 +4,4 @@
 void tourFoundation();
 void tourSystem();
 void tourCrypt();
+void tourConcurrency();

@@ -8,5 +8,6 @@ int main() {
     tourFoundation();
     tourSystem();
     tourCrypt();
+    tourConcurrency();
     return 0;
 }

@@ -11,4 +11,9 @@
 #include "tarn/system/TarnFileName.h"
 #include "tarn/system/TarnSystem.h"
 
+#include "tarn/concurrency/TarnSemaphore.h"
+#include "tarn/concurrency/TarnThread.h"
+#include "tarn/concurrency/TarnTimer.h"
+#include "tarn/concurrency/TarnTimerListener.h"
+
 #include "tarn/crypt/TarnCrypt.h"

@@ -119,5 +119,86 @@ int processorCount();
 /// clock or the conversion fails.
 bool currentLocalTime(std::tm &local);
 
+// ---- Semaphores, threads and sleep -------------------------------------------------------------
+
+/// The time-out of waitSemaphore and waitThread, and the length of sleepMilliseconds, that means
+/// no limit.
+constexpr std::uint32_t kWaitForever = 0xFFFFFFFFu;
+/// The exit code that getThreadExitCode reports while a thread has not ended yet.
+constexpr std::uint32_t kStillActive = 259u;
+
+/// A counting semaphore. Opaque: known only to the implementation. A handle is a counted
+/// reference: createSemaphore gives the first, shareSemaphore one more, and dropSemaphore gives
+/// one back; the semaphore lives as long as any reference does. Every function below may be
+/// called from any thread at the same time, as long as the caller's reference is not dropped
+/// meanwhile. Every function accepts null and then fails without effect.
+struct SemaphoreObject;
+
+/// Creates an unnamed semaphore whose initial count and maximum count are both `count`. Returns
+/// null when `count` is below 1 or the system has no semaphore to give.
+SemaphoreObject *createSemaphore(int count);
+
+/// Adds a reference to `semaphore` and returns it (null gives null).
+SemaphoreObject *shareSemaphore(SemaphoreObject *semaphore);
+
+/// Gives back one reference; the last one destroys the semaphore. A thread still waiting on it
+/// must hold a reference of its own.
+void dropSemaphore(SemaphoreObject *semaphore);
+
+/// Takes one unit, waiting at most `timeoutMs` milliseconds for one to be free: 0 polls,
+/// kWaitForever waits without limit. Returns true when a unit was taken, false at the time-out
+/// or for null.
+bool waitSemaphore(SemaphoreObject *semaphore, std::uint32_t timeoutMs);
+
+/// Adds `n` units and wakes as many waiters. Returns false and changes nothing when `n` is below
+/// 1, when the count would pass the maximum, or for null.
+bool releaseSemaphore(SemaphoreObject *semaphore, int n);
+
+/// A system thread. Opaque: known only to the implementation. A handle is a counted reference to
+/// the thread's record, not the thread itself: dropping the last one (closeThread) never stops
+/// or waits for the thread, which keeps its own reference until it ends. Every function below
+/// may be called from any thread; every one accepts null and then fails without effect.
+struct ThreadObject;
+
+/// The code that a new thread runs; its result becomes the thread's exit code (in 32 bits).
+using ThreadEntry = unsigned long (*)(void *argument);
+
+/// Creates a thread, with the platform's default stack size, that stands suspended at a gate:
+/// `entry(argument)` begins only after resumeThread. Returns null when the system cannot create
+/// a thread. So that the caller can set a priority first, the thread exists in full when this
+/// returns. A created thread must be resumed: one that is never resumed waits for good.
+ThreadObject *createSuspendedThread(ThreadEntry entry, void *argument);
+
+/// Adds a reference to `thread` and returns it (null gives null).
+ThreadObject *shareThread(ThreadObject *thread);
+
+/// Gives back one reference. Does not affect the thread.
+void closeThread(ThreadObject *thread);
+
+/// Sets the scheduling priority of `thread` to `level`, one of the thread priority levels of the
+/// Windows family (-15 idle, -2 to 2, 15 time-critical). Best effort: on POSIX the level maps
+/// onto the nice value of that one thread (-15 to 19, -2 to 10, -1 to 5, 0 to 0, 1 to -5, 2 to
+/// -10, 15 to -20, relative to the process's nice value); a raise that the system refuses an
+/// unprivileged process is ignored. On a thread that has ended the call has no effect. Returns
+/// false when the system refused the level, and for null.
+bool setThreadPriority(ThreadObject *thread, int level);
+
+/// Opens the gate of a suspended thread so that its entry begins. Returns false for null.
+bool resumeThread(ThreadObject *thread);
+
+/// Stores the thread's exit code through `code`: kStillActive until the entry has returned
+/// (while suspended too), then the entry's result. Returns false, storing nothing, for null.
+bool getThreadExitCode(ThreadObject *thread, std::uint32_t *code);
+
+/// Waits until the thread's entry has returned, at most `timeoutMs` milliseconds: 0 polls,
+/// kWaitForever waits without limit. Any number of threads may wait at once. Returns true when
+/// the thread has ended; false at the time-out or for null. What the thread did before it ended
+/// is visible to the caller after a true result.
+bool waitThread(ThreadObject *thread, std::uint32_t timeoutMs);
+
+/// Suspends the calling thread for at least `milliseconds` milliseconds; kWaitForever suspends
+/// it without limit, and 0 only gives up the rest of its time slice.
+void sleepMilliseconds(std::uint32_t milliseconds);
+
 } // namespace platform
 } // namespace tarn
