@@ -7,3 +7,12 @@
 #include "tarn/foundation/TarnObject.h"
 #include "tarn/foundation/TarnString.h"
 #include "tarn/foundation/TarnVector.h"
+
+#include "tarn/serialization/TarnArchive.h"
+#include "tarn/serialization/TarnFileArchive.h"
+#include "tarn/serialization/TarnHandleManager.h"
+#include "tarn/serialization/TarnSerializable.h"
+#include "tarn/serialization/TarnStringArchive.h"
+#include "tarn/serialization/TarnToken.h"
+
+#include "tarn/system/TarnTextFile.h"
