@@ -4,6 +4,8 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <random>
 #include <string>
 #include <vector>
@@ -238,5 +240,65 @@ void BM_StringRestoreGraph(benchmark::State &state) {
                             static_cast<std::int64_t>(text.size()));
 }
 BENCHMARK(BM_StringRestoreGraph)->Unit(benchmark::kMillisecond);
+
+// The "data" token alone, formatted and read by the token, against a printf and strtod loop
+// writing the same text: the gain of std::to_chars and std::from_chars on the hot path.
+void BM_TokenFormatDoubles(benchmark::State &state) {
+    const Grid &grid = sampleGrid();
+    TarnToken token;
+    for (auto _ : state) {
+        token.setValue(grid.data.data(), static_cast<unsigned>(grid.data.size()));
+        benchmark::DoNotOptimize(token.getValue());
+    }
+    reportPerValue(state, std::strlen(token.getValue()));
+}
+BENCHMARK(BM_TokenFormatDoubles)->Unit(benchmark::kMillisecond);
+
+void BM_PrintfFormatDoubles(benchmark::State &state) {
+    const Grid &grid = sampleGrid();
+    std::string text;
+    for (auto _ : state) {
+        text.resize(grid.data.size() * 33);
+        char *out = &text[0];
+        for (double value : grid.data) {
+            out += std::snprintf(out, 33, "%.18e ", value);
+        }
+        text.resize(static_cast<std::size_t>(out - text.data()));
+        benchmark::DoNotOptimize(text.data());
+    }
+    reportPerValue(state, text.size());
+}
+BENCHMARK(BM_PrintfFormatDoubles)->Unit(benchmark::kMillisecond);
+
+void BM_TokenReadDoubles(benchmark::State &state) {
+    const Grid &grid = sampleGrid();
+    TarnToken token;
+    token.setValue(grid.data.data(), static_cast<unsigned>(grid.data.size()));
+    std::vector<double> values(grid.data.size());
+    for (auto _ : state) {
+        token.getDoubles(values.data(), static_cast<unsigned>(values.size()));
+        benchmark::DoNotOptimize(values.data());
+    }
+    reportPerValue(state, std::strlen(token.getValue()));
+}
+BENCHMARK(BM_TokenReadDoubles)->Unit(benchmark::kMillisecond);
+
+void BM_StrtodReadDoubles(benchmark::State &state) {
+    const Grid &grid = sampleGrid();
+    TarnToken token;
+    token.setValue(grid.data.data(), static_cast<unsigned>(grid.data.size()));
+    std::vector<double> values(grid.data.size());
+    for (auto _ : state) {
+        const char *cursor = token.getValue();
+        for (double &value : values) {
+            char *end = nullptr;
+            value = std::strtod(cursor, &end);
+            cursor = end;
+        }
+        benchmark::DoNotOptimize(values.data());
+    }
+    reportPerValue(state, std::strlen(token.getValue()));
+}
+BENCHMARK(BM_StrtodReadDoubles)->Unit(benchmark::kMillisecond);
 
 } // namespace

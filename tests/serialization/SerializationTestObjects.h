@@ -108,3 +108,81 @@ inline std::vector<std::string> tokenNames(TarnArchive &node) {
 }
 
 } // namespace testobjects
+
+namespace testobjects {
+
+/// A chain of objects, each containing the next, whose store, restore and destruction are loops:
+/// a deep chain then exercises only the archive's own paths for depth.
+class Chain : public TarnSerializable {
+public:
+    int index = 0;
+    Chain *next = nullptr; // owned
+
+    Chain() = default;
+    Chain(const Chain &) = delete;
+    Chain &operator=(const Chain &) = delete;
+    ~Chain() override {
+        Chain *link = next;
+        while (link != nullptr) {
+            Chain *after = link->next;
+            link->next = nullptr;
+            delete link;
+            link = after;
+        }
+    }
+
+    using TarnObject::isa;
+    bool isa(const std::string &name) const override { return name == "Chain"; }
+    std::string getClassName() const override { return "Chain"; }
+    bool isModified() override { return modified; }
+
+    void serializeStore(TarnArchive &archive) override {
+        TarnArchive *node = &archive;
+        for (Chain *link = this;; link = link->next) {
+            link->TarnSerializable::serializeStore(*node);
+            node->addIntToken("index", link->index);
+            if (link->next == nullptr) {
+                break;
+            }
+            node = &node->addChild();
+        }
+    }
+
+    void serializeRestore(TarnArchive &archive) override {
+        TarnArchive *node = &archive;
+        for (Chain *link = this;; link = link->next) {
+            link->TarnSerializable::serializeRestore(*node);
+            link->index = node->getTokenInt("index");
+            if (node->getChildren().empty()) {
+                break;
+            }
+            node = &node->getChildren()[0];
+            link->next = new Chain();
+        }
+    }
+
+    void reconnectPointers() override {
+        for (Chain *link = this; link != nullptr; link = link->next) {
+            link->TarnSerializable::reconnectPointers();
+        }
+    }
+
+    void resetPointers() override {
+        for (Chain *link = this; link != nullptr; link = link->next) {
+            link->TarnSerializable::resetPointers();
+        }
+    }
+
+    /// Appends `count` links behind this one, each the parent of the next.
+    void grow(int count) {
+        Chain *link = this;
+        for (int i = 1; i <= count; ++i) {
+            link->next = new Chain();
+            link->next->index = i;
+            link->next->setParent(*link);
+            link = link->next;
+        }
+    }
+};
+
+} // namespace testobjects

@@ -120,6 +120,33 @@ TEST(TarnStringArchiveTest, MillionNestedSectionsParse) {
     archive.reset();
 }
 
+// A chain of a million contained objects stores to one string and restores with every parent
+// reconnected, through the non-recursive writer, parser and tree destruction.
+TEST(TarnStringArchiveTest, MillionLinkChainStoresAndRestores) {
+    const int links = 1000000;
+    testobjects::Chain original;
+    original.grow(links - 1);
+    TarnString text;
+    {
+        TarnStringArchive store;
+        store.serializeStore(original);
+        text = store.getText();
+    }
+    testobjects::Chain copy;
+    TarnStringArchive restore;
+    restore.serializeRestore(copy, text);
+    int count = 0;
+    testobjects::Chain *previous = nullptr;
+    for (testobjects::Chain *link = &copy; link != nullptr; link = link->next) {
+        ASSERT_EQ(link->index, count);
+        ASSERT_EQ(link->hasParent() ? &link->getParent() : nullptr, previous) << "link " << count;
+        ASSERT_EQ(link->getOldPointer(), link);
+        previous = link;
+        ++count;
+    }
+    EXPECT_EQ(count, links);
+}
+
 TEST(TarnStringArchiveTest, TokenLongerThan100MegabytesReadsBack) {
     const std::size_t length = 100u * 1024u * 1024u + 17u;
     std::string text = "Big{data=";
