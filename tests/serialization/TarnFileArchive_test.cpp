@@ -1,6 +1,7 @@
 // Tests of TarnFileArchive: the indented file form, the byte filter of the reader, big files.
 #include "serialization/SerializationTestObjects.h"
 #include "serialization/TreeText.h"
+#include "system/TarnScratchFile.h"
 
 #include <gtest/gtest.h>
 
@@ -17,26 +18,7 @@ using testobjects::pointerText;
 using testobjects::Probe;
 using testobjects::treeText;
 
-// A file name in the test's scratch folder, unique to the running test, removed when it ends.
-class ScratchFile {
-public:
-    explicit ScratchFile(const std::string &name)
-        : path(::testing::TempDir() + "tarn_" +
-               ::testing::UnitTest::GetInstance()->current_test_info()->name() + "_" + name) {}
-    ~ScratchFile() { std::remove(path.c_str()); }
-    const char *name() const { return path.c_str(); }
-    void write(const std::string &bytes) const {
-        std::ofstream file(path, std::ios::binary);
-        file << bytes;
-    }
-    std::string read() const {
-        std::ifstream file(path, std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
-    }
-
-private:
-    std::string path;
-};
+using testfiles::ScratchFile;
 
 std::string restoredTree(const ScratchFile &file) {
     TarnFileArchive archive;

@@ -1,4 +1,5 @@
 // Tests of TarnTextFile: modes, readLine at every kind of line end, writeLine.
+#include "system/TarnScratchFile.h"
 #include <tarn/tarn.h>
 
 #include <gtest/gtest.h>
@@ -11,26 +12,7 @@
 
 namespace {
 
-// A file name unique to the running test, removed when the test ends.
-class ScratchFile {
-public:
-    ScratchFile()
-        : path(::testing::TempDir() + "tarn_textfile_" +
-               ::testing::UnitTest::GetInstance()->current_test_info()->name()) {}
-    ~ScratchFile() { std::remove(path.c_str()); }
-    const char *name() const { return path.c_str(); }
-    void write(const std::string &bytes) const {
-        std::ofstream file(path, std::ios::binary);
-        file << bytes;
-    }
-    std::string read() const {
-        std::ifstream file(path, std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
-    }
-
-private:
-    std::string path;
-};
+using testfiles::ScratchFile;
 
 // Every readLine result until the first false, and the line that came with that false.
 std::vector<std::string> readAll(const char *fileName) {
