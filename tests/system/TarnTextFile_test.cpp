@@ -4,9 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -25,12 +22,6 @@ std::vector<std::string> readAll(const char *fileName) {
     }
     EXPECT_TRUE(line.empty());
     return lines;
-}
-
-TEST(TarnTextFileTest, ModeConstantsKeepTheirValues) {
-    EXPECT_EQ(TarnTextFile::READ, 1);
-    EXPECT_EQ(TarnTextFile::WRITE, 2);
-    EXPECT_EQ(TarnTextFile::APPEND, 8);
 }
 
 TEST(TarnTextFileTest, ReadLineSplitsAtLineFeedsOnly) {
@@ -53,17 +44,6 @@ TEST(TarnTextFileTest, ReadLineSplitsAtLineFeedsOnly) {
         file.write(c.bytes);
         EXPECT_EQ(readAll(file.name()), c.lines) << c.bytes;
     }
-}
-
-TEST(TarnTextFileTest, EndOfInputStaysFalse) {
-    ScratchFile file;
-    file.write("one\n");
-    TarnTextFile text(file.name(), TarnTextFile::READ);
-    TarnString line;
-    EXPECT_TRUE(text.readLine(line));
-    EXPECT_FALSE(text.readLine(line));
-    EXPECT_FALSE(text.readLine(line));
-    EXPECT_TRUE(line.empty());
 }
 
 TEST(TarnTextFileTest, WriteLineWritesTheWholeTextAndALineFeed) {
