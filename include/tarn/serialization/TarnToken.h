@@ -19,10 +19,15 @@ class TARN_API TarnToken {
 public:
     /// Makes a token with empty text.
     TarnToken();
+    /// Copies the text of `other`.
     TarnToken(const TarnToken &other);
+    /// Takes over the text of `other`, which is left empty.
     TarnToken(TarnToken &&other) noexcept;
+    /// Replaces the text by a copy of the text of `other`.
     TarnToken &operator=(const TarnToken &other);
+    /// Replaces the text by the text of `other`, which is left empty.
     TarnToken &operator=(TarnToken &&other) noexcept;
+    /// Releases the text.
     ~TarnToken();
 
     /// Makes the text a copy of `value`; a null pointer leaves the old text.
@@ -90,5 +95,5 @@ public:
     void getInts(TarnArray<int> &values) const;
 
 private:
-    TarnString text;
+    TarnString text; ///< The whole state: the value as text.
 };
