@@ -61,12 +61,14 @@ TEST(TarnHandleManagerTest, ResetEmptiesPairsButKeepsClassNames) {
     Plain second("Second");
     manager.registerPointers(address(0x20), &first);
     manager.registerPointers(address(0x10), &second);
+    manager.registerPointers(address(0x30), nullptr);
     manager.getNewPointer(address(0x10));
     manager.reset();
     EXPECT_EQ(manager.getNewPointer(address(0x10)), nullptr);
     EXPECT_EQ(manager.getCount(), 0u);
-    ASSERT_EQ(manager.getClassNames().size(), 2u);
+    ASSERT_EQ(manager.getClassNames().size(), 3u);
     EXPECT_EQ(std::string(manager.getClassNames()[1]), "Second");
+    EXPECT_EQ(std::string(manager.getClassNames()[2]), "");
 }
 
 // Addresses are unsigned: one with the top bit set sorts above every other.

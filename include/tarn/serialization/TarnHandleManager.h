@@ -24,8 +24,8 @@ public:
     /// Releases the pairs and the class names.
     ~TarnHandleManager();
 
-    /// Appends the pair (`oldPointer`, `newPointer`) and the class name of `newPointer`, which must
-    /// be a live object; `oldPointer` may be anything, null included, and may repeat. The table is
+    /// Appends the pair (`oldPointer`, `newPointer`) and the class name of `newPointer` (the empty
+    /// name for null); `oldPointer` may be anything, null included, and may repeat. The table is
     /// unsorted afterwards. Returns true.
     bool registerPointers(TarnSerializable *oldPointer, TarnSerializable *newPointer);
     /// Returns the new address paired with `oldPointer`, or null when there is none. Sorts the
