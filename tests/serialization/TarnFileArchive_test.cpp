@@ -35,16 +35,18 @@ TEST(TarnFileArchiveTest, StoreWritesIndentedLinesAndRestoresTheGraph) {
     EXPECT_TRUE(archive.serializeStore(file.name(), sensor));
     const std::string self = pointerText(&sensor);
     const std::string zeros(2 * sizeof(void *), '0');
-    EXPECT_EQ(file.read(), "Probe\n{\n\tparent=" + zeros + ";\n\tpartner=" + zeros +
-                               ";\n\tscale=2.500000000000000000e+00;\n\tthis=" + self +
-                               ";\n\tProbe\n\t{\n\t\tparent=" + self + ";\n\t\tpartner=" + self +
-                               ";\n\t\tscale=0.000000000000000000e+00;\n\t\tthis=" + pointerText(&part) +
-                               ";\n\t}\n}\n");
+    EXPECT_EQ(file.read(),
+              testfiles::inTextMode("Probe\n{\n\tparent=" + zeros + ";\n\tpartner=" + zeros +
+                                    ";\n\tscale=2.500000000000000000e+00;\n\tthis=" + self +
+                                    ";\n\tProbe\n\t{\n\t\tparent=" + self + ";\n\t\tpartner=" + self +
+                                    ";\n\t\tscale=0.000000000000000000e+00;\n\t\tthis=" + pointerText(&part) +
+                                    ";\n\t}\n}\n"));
     TarnStringArchive string;
     string.serializeStore(sensor);
     std::string flat = file.read();
-    flat.erase(std::remove_if(flat.begin(), flat.end(), [](char c) { return c == '\n' || c == '\t'; }),
-               flat.end());
+    flat.erase(
+        std::remove_if(flat.begin(), flat.end(), [](char c) { return c == '\r' || c == '\n' || c == '\t'; }),
+        flat.end());
     EXPECT_EQ(flat, std::string(string.getText()));
 
     Probe copy;

@@ -37,4 +37,28 @@ private:
     std::string path;
 };
 
+/// Returns the bytes that a stream in the platform's text mode writes for a line feed: "\r\n"
+/// where the text mode adds carriage returns, "\n" elsewhere. Found once by writing a probe file.
+inline const std::string &textModeLineEnd() {
+    static const std::string lineEnd = [] {
+        const std::string probe = ::testing::TempDir() + "tarn_line_end_probe";
+        std::ofstream(probe) << '\n';
+        std::ifstream file(probe, std::ios::binary);
+        std::string bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+        file.close();
+        std::remove(probe.c_str());
+        return bytes;
+    }();
+    return lineEnd;
+}
+
+/// Returns `text` with each line feed replaced by what the platform's text mode writes for it.
+inline std::string inTextMode(const std::string &text) {
+    std::string result;
+    for (char byte : text) {
+        result += byte == '\n' ? textModeLineEnd() : std::string(1, byte);
+    }
+    return result;
+}
+
 } // namespace testfiles
