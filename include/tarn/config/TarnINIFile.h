@@ -17,12 +17,6 @@ using TarnINISection = std::map<TarnString, TarnINIToken>;
 /// The sections of a configuration file by name, ascending by bytes compared as unsigned values.
 using TarnINISectionMap = std::map<TarnString, TarnINISection>;
 
-class TarnINIFile;
-
-/// Creates a configuration object with an empty model, owned by the caller until `dispose`. A
-/// non-null `fileName` becomes the stored file name; null leaves it empty. Does not touch the disk.
-TARN_API TarnINIFile *newTarnINIFile(const char *fileName);
-
 /// A configuration file held in memory: named sections, keys within a section, one text value per
 /// key. Callers walk sections and keys through the public map base (in byte order) and read and
 /// write values through the profile accessors, which work on the model only; `read` loads a file,
@@ -184,3 +178,7 @@ private:
     std::FILE *file = nullptr;
     TarnString fileName;
 };
+
+/// Creates a configuration object with an empty model, owned by the caller until `dispose`. A
+/// non-null `fileName` becomes the stored file name; null leaves it empty. Does not touch the disk.
+TARN_API TarnINIFile *newTarnINIFile(const char *fileName);
