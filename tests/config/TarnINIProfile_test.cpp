@@ -1,1 +1,255 @@
-#include <gtest/gtest.h>
+// Tests of TarnINIFile's profile accessors: defaults through their text forms, scans, text forms.
+#include "config/TarnINITestSupport.h"
+
+#include <climits>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+using tarn_test::makeINIFile;
+using tarn_test::Model;
+using tarn_test::modelOf;
+
+// The stored text of section/key, or "<missing>".
+std::string stored(TarnINIFile &file, const char *section, const char *key) {
+    const Model model = modelOf(file);
+    auto keys = model.find(section);
+    if (keys == model.end() || keys->second.count(key) == 0) {
+        return "<missing>";
+    }
+    return keys->second.at(key);
+}
+
+TEST(TarnINIFileTest, ReadOfAMissingKeyStoresTheDefault) {
+    auto file = makeINIFile();
+    int out = 0;
+    file->getPrivateProfileInt("new", "count", 5, out);
+    EXPECT_EQ(out, 5);
+    EXPECT_EQ(modelOf(*file), (Model{{"new", {{"count", "5"}}}}));
+    file->getPrivateProfileInt("new", "count", 9, out);
+    EXPECT_EQ(out, 5) << "the stored value wins over a later default";
+
+    const std::string path = tarn_test::scratchPath("out");
+    ASSERT_TRUE(file->write(path.c_str()));
+    auto again = makeINIFile();
+    ASSERT_TRUE(again->read(path.c_str()));
+    EXPECT_EQ(modelOf(*again), modelOf(*file));
+}
+
+TEST(TarnINIFileTest, DefaultsPassThroughTheirTextForms) {
+    auto file = makeINIFile();
+    float f = 1.0f;
+    file->getPrivateProfileFloat("s", "f", 1e-7f, f);
+    EXPECT_EQ(f, 0.0f);
+    EXPECT_EQ(stored(*file, "s", "f"), "0.000000");
+    double d = 1.0;
+    file->getPrivateProfileDouble("s", "d", 1e-20, d);
+    EXPECT_EQ(d, 0.0);
+    EXPECT_EQ(stored(*file, "s", "d"), "0.000000000000000");
+    unsigned int u = 0;
+    file->getPrivateProfileUInt("s", "u", 4000000000u, u);
+    EXPECT_EQ(u, 4000000000u);
+    EXPECT_EQ(stored(*file, "s", "u"), "4000000000");
+    int h = 0;
+    file->getPrivateProfileHex("s", "h", -2, h);
+    EXPECT_EQ(h, -2);
+    EXPECT_EQ(stored(*file, "s", "h"), "fffffffe");
+    bool b = false;
+    file->getPrivateProfileBool("s", "b", true, b);
+    EXPECT_TRUE(b);
+    EXPECT_EQ(stored(*file, "s", "b"), "true");
+    int flag = 7;
+    file->getPrivateProfileBOOL("s", "flag", false, flag);
+    EXPECT_EQ(flag, 0);
+    EXPECT_EQ(stored(*file, "s", "flag"), "false");
+    TarnString text("old");
+    file->getPrivateProfileString("s", "text", "dflt", text);
+    EXPECT_EQ(std::string(text), "dflt");
+    file->getPrivateProfileString("s", "none", nullptr, text);
+    EXPECT_EQ(std::string(text), "");
+    EXPECT_EQ(stored(*file, "s", "none"), "");
+}
+
+struct IntCase {
+    const char *text;
+    int expected; // the caller's 12345 stays where no number starts the text
+};
+
+TEST(TarnINIFileTest, IntegerScansTakeTheLeadingNumberOrLeaveTheOutput) {
+    const IntCase decimal[] = {{"12abc", 12},        {" -7", -7},           {"+3", 3},
+                               {"abc", 12345},       {"", 12345},           {"- 1", 12345},
+                               {"99999999999", INT_MAX}, {"-99999999999", INT_MIN}, {"0x10", 0}};
+    const IntCase hex[] = {{"ff", 255},      {"0x1F", 31},       {" -1", -1}, {"ffffffff", -1},
+                           {"zz", 12345},    {"0x", 0},          {"7fffffffff", -1}, {"10g", 16}};
+    auto file = makeINIFile();
+    for (const IntCase &c : decimal) {
+        file->writePrivateProfileString("s", "k", c.text);
+        int out = 12345;
+        file->getPrivateProfileInt("s", "k", 0, out);
+        EXPECT_EQ(out, c.expected) << "%d of " << c.text;
+    }
+    for (const IntCase &c : hex) {
+        file->writePrivateProfileString("s", "k", c.text);
+        int out = 12345;
+        file->getPrivateProfileHex("s", "k", 0, out);
+        EXPECT_EQ(out, c.expected) << "%x of " << c.text;
+    }
+    const struct {
+        const char *text;
+        unsigned int expected;
+    } unsignedCases[] = {{"-1", 0xFFFFFFFFu}, {"4294967295", 0xFFFFFFFFu}, {"4294967296", 0xFFFFFFFFu},
+                         {"-4294967296", 0xFFFFFFFFu}, {"42x", 42u}, {"x", 12345u}};
+    for (const auto &c : unsignedCases) {
+        file->writePrivateProfileString("s", "k", c.text);
+        unsigned int out = 12345;
+        file->getPrivateProfileUInt("s", "k", 0, out);
+        EXPECT_EQ(out, c.expected) << "%u of " << c.text;
+    }
+    EXPECT_EQ(stored(*file, "s", "k"), "x") << "a scan never changes the stored text";
+}
+
+TEST(TarnINIFileTest, RealScansFollowTheStandardGrammarInTheCLocale) {
+    const double inf = std::numeric_limits<double>::infinity();
+    const struct {
+        const char *text;
+        double expected; // 99 is the caller's value, kept where no number starts the text
+    } cases[] = {{"  +2.5xyz", 2.5}, {"1,5", 1.0},     {"1e", 1.0},       {".5", 0.5},     {"5.", 5.0},
+                 {"0x1p3", 8.0},     {"-0x1.8", -1.5}, {"0x", 0.0},       {"0xg", 0.0},    {"1e400", inf},
+                 {"-1e400", -inf},   {"1e-400", 0.0},  {"INF", inf},      {"-Infinity", -inf}, {"0x1p99999", inf},
+                 {"--1", 99.0},      {".", 99.0},      {"e5", 99.0},      {"", 99.0},      {"+-1", 99.0}};
+    auto file = makeINIFile();
+    for (const auto &c : cases) {
+        file->writePrivateProfileString("s", "k", c.text);
+        double out = 99.0;
+        file->getPrivateProfileDouble("s", "k", 0.0, out);
+        EXPECT_EQ(out, c.expected) << "%lf of " << c.text;
+    }
+    double out = 0.0;
+    file->writePrivateProfileString("s", "k", "-1e-400");
+    file->getPrivateProfileDouble("s", "k", 0.0, out);
+    EXPECT_TRUE(out == 0.0 && std::signbit(out)) << "underflow keeps the sign";
+    file->writePrivateProfileString("s", "k", "nan(1)");
+    file->getPrivateProfileDouble("s", "k", 0.0, out);
+    EXPECT_TRUE(std::isnan(out));
+
+    // "%f" rounds to float once: beyond float's range is infinite although a double would hold it.
+    float single = 0.0f;
+    file->writePrivateProfileString("s", "k", "1e39");
+    file->getPrivateProfileFloat("s", "k", 0.0f, single);
+    EXPECT_EQ(single, std::numeric_limits<float>::infinity());
+    file->writePrivateProfileString("s", "k", "0.1");
+    file->getPrivateProfileFloat("s", "k", 0.0f, single);
+    EXPECT_EQ(single, 0.1f);
+}
+
+TEST(TarnINIFileTest, BoolReadTrimsAndFoldsCaseOnAWorkingCopy) {
+    auto file = makeINIFile();
+    for (const char *yes : {"true", "TRUE", " T ", "\tt", "tomorrow"}) {
+        file->writePrivateProfileString("s", "k", yes);
+        for (bool fallback : {false, true}) {
+            bool out = false;
+            int number = 5;
+            file->getPrivateProfileBool("s", "k", fallback, out);
+            file->getPrivateProfileBOOL("s", "k", fallback, number);
+            EXPECT_TRUE(out) << yes;
+            EXPECT_EQ(number, 1) << yes;
+        }
+        EXPECT_EQ(stored(*file, "s", "k"), yes) << "the model keeps its text";
+    }
+    for (const char *no : {"1", "yes", "on", ""}) {
+        file->writePrivateProfileString("s", "k", no);
+        bool out = true;
+        int number = 5;
+        file->getPrivateProfileBool("s", "k", true, out);
+        file->getPrivateProfileBOOL("s", "k", true, number);
+        EXPECT_FALSE(out) << no;
+        EXPECT_EQ(number, 0) << no;
+    }
+}
+
+TEST(TarnINIFileTest, WritesStoreTheirTextForms) {
+    auto file = makeINIFile();
+    file->writePrivateProfileFloat("s", "float", 0.1f);
+    file->writePrivateProfileDouble("s", "double", 0.5);
+    file->writePrivateProfileExp("s", "exp", 1234.5);
+    file->writePrivateProfileExpG("s", "expg", 0.1);
+    file->writePrivateProfileInt("s", "int", -42);
+    file->writePrivateProfileHex("s", "hex", -1);
+    file->writePrivateProfileHex("s", "hex255", 255);
+    file->writePrivateProfileBool("s", "bool", false);
+    file->writePrivateProfileBOOL("s", "BOOL", 2);
+    file->writePrivateProfileString("s", "text", " as is\n");
+    EXPECT_EQ(modelOf(*file), (Model{{"s",
+                                      {{"float", "0.100000"},
+                                       {"double", "0.500000000000000"},
+                                       {"exp", "1.234500000000000e+03"},
+                                       {"expg", "0.1"},
+                                       {"int", "-42"},
+                                       {"hex", "ffffffff"},
+                                       {"hex255", "ff"},
+                                       {"bool", "false"},
+                                       {"BOOL", "true"},
+                                       {"text", " as is\n"}}}}));
+    int hex = 0;
+    file->getPrivateProfileHex("s", "hex", 0, hex);
+    EXPECT_EQ(hex, -1);
+    for (const char *key : {"double", "exp", "expg"}) {
+        file->writePrivateProfileString("s", "double", "0.5");
+        double out = 0.0;
+        file->getPrivateProfileDouble("s", key, 0.0, out);
+        EXPECT_GT(out, 0.0) << key << " reads back through the double kind";
+    }
+    double exp = 0.0;
+    file->getPrivateProfileDouble("s", "exp", 0.0, exp);
+    EXPECT_EQ(exp, 1234.5);
+}
+
+TEST(TarnINIFileTest, WriteOfAPresentKeyChangesOnlyItsText) {
+    auto file = makeINIFile();
+    for (const char *key : {"a", "b", "c"}) {
+        file->writePrivateProfileString("s", key, "old");
+    }
+    file->writePrivateProfileInt("s", "b", 2);
+    const TarnINISection &keys = file->at(TarnString("s"));
+    std::string order;
+    for (const auto &key : keys) {
+        order += static_cast<const std::string &>(key.first);
+    }
+    EXPECT_EQ(order, "abc");
+    EXPECT_EQ(stored(*file, "s", "b"), "2");
+    EXPECT_EQ(keys.size(), 3u);
+}
+
+TEST(TarnINIFileTest, NamesAreUsedUntrimmedAndTheStringOverloadsReachTheSameSection) {
+    auto file = makeINIFile();
+    TarnString section(" S ");
+    file->writePrivateProfileInt(section, " k", 1);
+    int out = 0;
+    file->getPrivateProfileInt(" S ", " k", 0, out);
+    EXPECT_EQ(out, 1);
+    file->writePrivateProfileBool(section, "flag", true);
+    bool flag = false;
+    file->getPrivateProfileBool(section, "flag", false, flag);
+    EXPECT_TRUE(flag);
+    TarnString text;
+    file->getPrivateProfileString(section, "missing", "m", text);
+    EXPECT_EQ(modelOf(*file), (Model{{" S ", {{" k", "1"}, {"flag", "true"}, {"missing", "m"}}}}));
+}
+
+TEST(TarnINIFileTest, NullNamesChangeNothing) {
+    auto file = makeINIFile();
+    file->writePrivateProfileString(nullptr, "k", "v");
+    file->writePrivateProfileInt("s", nullptr, 1);
+    int out = 0;
+    file->getPrivateProfileInt(nullptr, "k", 8, out);
+    EXPECT_EQ(out, 8) << "the default's text form is read";
+    bool flag = false;
+    file->getPrivateProfileBool("s", nullptr, true, flag);
+    EXPECT_TRUE(flag);
+    EXPECT_TRUE(file->empty());
+    file->writePrivateProfileString("s", "k", nullptr);
+    EXPECT_EQ(stored(*file, "s", "k"), "");
+}
+
+} // namespace
