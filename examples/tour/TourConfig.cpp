@@ -39,8 +39,8 @@ void tourConfig() {
     loaded->getPrivateProfileBool("colors", "dark", false, dark);
     std::printf("read: %s; title \"%s\", %d x %d (height from its default), zoom %g, background 0x%06x, "
                 "dark %s\n",
-                read ? "true" : "false", title.c_str(), width, height, zoom, static_cast<unsigned>(background),
-                dark ? "true" : "false");
+                read ? "true" : "false", title.c_str(), width, height, zoom,
+                static_cast<unsigned>(background), dark ? "true" : "false");
 
     // Saving again stores the default of the missing height too; sections and keys come sorted.
     loaded->write(nullptr);

@@ -147,7 +147,8 @@ void TarnINIFile::getPrivateProfileString(TarnString &section, const char *key, 
     getPrivateProfileString(section.c_str(), key, defaultValue, out);
 }
 
-void TarnINIFile::getPrivateProfileFloat(TarnString &section, const char *key, float defaultValue, float &out) {
+void TarnINIFile::getPrivateProfileFloat(TarnString &section, const char *key, float defaultValue,
+                                         float &out) {
     getPrivateProfileFloat(section.c_str(), key, defaultValue, out);
 }
 

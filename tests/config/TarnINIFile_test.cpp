@@ -58,10 +58,18 @@ TEST(TarnINIFileTest, ScannerFollowsTheFormat) {
         {"no comment behind a value", "[s]\nk=1 ; note\n", {{"s", {{"k", "1 ; note"}}}}},
         {"brackets and equals in a value", "[s]\nk=[x]=y\n", {{"s", {{"k", "[x]=y"}}}}},
         {"tab ends a value", "[s]\na=b\tc=d\n", {{"s", {{"a", "b"}, {"c", "d"}}}}},
-        {"high byte ends a value", "[s]\na=b\x80" "c=d\n", {{"s", {{"a", "b"}, {"c", "d"}}}}},
+        {"high byte ends a value",
+         "[s]\na=b\x80"
+         "c=d\n",
+         {{"s", {{"a", "b"}, {"c", "d"}}}}},
         {"high byte ends a comment", "[s]\n;x\xE9k=v\n", {{"s", {{"k", "v"}}}}},
         {"byte-order mark is skipped", "\xEF\xBB\xBF[s]\nk=v\n", {{"s", {{"k", "v"}}}}},
-        {"DEL is a plain value byte", "[s]\nk=a\x7F" "b\n", {{"s", {{"k", "a\x7F" "b"}}}}},
+        {"DEL is a plain value byte",
+         "[s]\nk=a\x7F"
+         "b\n",
+         {{"s",
+           {{"k", "a\x7F"
+                  "b"}}}}},
         {"NUL ends a value", bytes("[s]\nk=a\0b=c\n"), {{"s", {{"k", "a"}, {"b", "c"}}}}},
         {"section names keep spaces", "[ a ]\nk=v\n[a]\n", {{" a ", {{"k", "v"}}}, {"a", {}}}},
         {"case makes two sections", "[a]\n[A]\n", {{"A", {}}, {"a", {}}}},
@@ -78,7 +86,9 @@ TEST(TarnINIFileTest, ScannerFollowsTheFormat) {
          "[s]\nk=1\n[t]\n[s]\nk=2\nj=3\n",
          {{"s", {{"k", "1"}, {"j", "3"}}}, {"t", {}}}},
         {"CR LF and CR line ends", "[s]\r\n k = v \r\nj=w\r", {{"s", {{"k", "v"}, {"j", "w"}}}}},
-        {"key trimmed of white space only", "[s]\n k\v = v\nm\x01=w\n", {{"s", {{"k", "v"}, {"m\x01", "w"}}}}},
+        {"key trimmed of white space only",
+         "[s]\n k\v = v\nm\x01=w\n",
+         {{"s", {{"k", "v"}, {"m\x01", "w"}}}}},
         {"comment mark inside a key", "[s]\nab;c=v\n", {{"s", {{"ab;c", "v"}}}}},
         {"comment before any header", ";[s]\nk=v\n", {}},
         {"comment without line end", "[s]\n;c", {{"s", {}}}},
@@ -155,8 +165,9 @@ TEST(TarnINIFileTest, AccessorTextWithBlanksIsWrittenUnchangedAndReadsBackDiffer
     EXPECT_EQ(modelOf(*file), (Model{{"s", {{"k", "v"}, {"line", "a"}, {"b", "c"}}}}));
 }
 
-// Loads `input`, saves it, loads the saved file; the two models must be equal, and a second save
-// must give the same bytes.
+// Loads `input`, saves it, loads the saved file: the second model must be the first (with the
+// platform's line end for a line feed inside a name). Where the line end is a line feed, a second
+// save must also give the same bytes.
 void expectRoundTrip(const std::string &input, const std::string &context) {
     auto first = makeINIFile();
     ASSERT_TRUE(loadBytes(*first, input, "in"));
@@ -164,15 +175,19 @@ void expectRoundTrip(const std::string &input, const std::string &context) {
     ASSERT_TRUE(first->write(saved.c_str()));
     auto second = makeINIFile();
     ASSERT_TRUE(second->read(saved.c_str()));
-    ASSERT_EQ(modelOf(*second), modelOf(*first)) << context << ": " << printable(input);
-    const std::string again = scratchPath("again");
-    ASSERT_TRUE(second->write(again.c_str()));
-    ASSERT_EQ(tarn_test::readBytes(again), tarn_test::readBytes(saved)) << context;
+    ASSERT_EQ(modelOf(*second), tarn_test::afterSaveAndLoad(modelOf(*first)))
+        << context << ": " << printable(input);
+    if (tarn_test::platformLineEnd() == "\n") {
+        const std::string again = scratchPath("again");
+        ASSERT_TRUE(second->write(again.c_str()));
+        ASSERT_EQ(tarn_test::readBytes(again), tarn_test::readBytes(saved)) << context;
+    }
 }
 
 TEST(TarnINIFileTest, LoadSaveLoadKeepsTheModel) {
     expectRoundTrip("[s]\n k = v \n=e\n[]\nx=1\n[ a ]\n[a\x7F]\nq=[w];e\nline\nrun=on\n"
-                    "[t] a=b\tc=d\x80" "e=f\n;c\n[s]\nk=dup\nz\x01=w\n",
+                    "[t] a=b\tc=d\x80"
+                    "e=f\n;c\n[s]\nk=dup\nz\x01=w\n",
                     "edge cases");
 }
 
@@ -184,7 +199,8 @@ TEST(TarnINIFileTest, RandomBytesLoadAndRoundTrip) {
     for (int round = 0; round < 300; ++round) {
         std::string input(random() % 200, ' ');
         for (char &byte : input) {
-            byte = random() % 8 == 0 ? static_cast<char>(random() & 0xFF) : alphabet[random() % alphabet.size()];
+            byte =
+                random() % 8 == 0 ? static_cast<char>(random() & 0xFF) : alphabet[random() % alphabet.size()];
         }
         expectRoundTrip(input, "seed " + std::to_string(seed) + " round " + std::to_string(round));
         if (::testing::Test::HasFatalFailure()) {

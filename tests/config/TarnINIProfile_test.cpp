@@ -77,11 +77,17 @@ struct IntCase {
 };
 
 TEST(TarnINIFileTest, IntegerScansTakeTheLeadingNumberOrLeaveTheOutput) {
-    const IntCase decimal[] = {{"12abc", 12},        {" -7", -7},           {"+3", 3},
-                               {"abc", 12345},       {"", 12345},           {"- 1", 12345},
-                               {"99999999999", INT_MAX}, {"-99999999999", INT_MIN}, {"0x10", 0}};
-    const IntCase hex[] = {{"ff", 255},      {"0x1F", 31},       {" -1", -1}, {"ffffffff", -1},
-                           {"zz", 12345},    {"0x", 0},          {"7fffffffff", -1}, {"10g", 16}};
+    const IntCase decimal[] = {{"12abc", 12},
+                               {" -7", -7},
+                               {"+3", 3},
+                               {"abc", 12345},
+                               {"", 12345},
+                               {"- 1", 12345},
+                               {"99999999999", INT_MAX},
+                               {"-99999999999", INT_MIN},
+                               {"0x10", 0}};
+    const IntCase hex[] = {{"ff", 255},   {"0x1F", 31}, {" -1", -1},        {"ffffffff", -1},
+                           {"zz", 12345}, {"0x", 0},    {"7fffffffff", -1}, {"10g", 16}};
     auto file = makeINIFile();
     for (const IntCase &c : decimal) {
         file->writePrivateProfileString("s", "k", c.text);
@@ -98,8 +104,12 @@ TEST(TarnINIFileTest, IntegerScansTakeTheLeadingNumberOrLeaveTheOutput) {
     const struct {
         const char *text;
         unsigned int expected;
-    } unsignedCases[] = {{"-1", 0xFFFFFFFFu}, {"4294967295", 0xFFFFFFFFu}, {"4294967296", 0xFFFFFFFFu},
-                         {"-4294967296", 0xFFFFFFFFu}, {"42x", 42u}, {"x", 12345u}};
+    } unsignedCases[] = {{"-1", 0xFFFFFFFFu},
+                         {"4294967295", 0xFFFFFFFFu},
+                         {"4294967296", 0xFFFFFFFFu},
+                         {"-4294967296", 0xFFFFFFFFu},
+                         {"42x", 42u},
+                         {"x", 12345u}};
     for (const auto &c : unsignedCases) {
         file->writePrivateProfileString("s", "k", c.text);
         unsigned int out = 12345;
@@ -114,10 +124,10 @@ TEST(TarnINIFileTest, RealScansFollowTheStandardGrammarInTheCLocale) {
     const struct {
         const char *text;
         double expected; // 99 is the caller's value, kept where no number starts the text
-    } cases[] = {{"  +2.5xyz", 2.5}, {"1,5", 1.0},     {"1e", 1.0},       {".5", 0.5},     {"5.", 5.0},
-                 {"0x1p3", 8.0},     {"-0x1.8", -1.5}, {"0x", 0.0},       {"0xg", 0.0},    {"1e400", inf},
-                 {"-1e400", -inf},   {"1e-400", 0.0},  {"INF", inf},      {"-Infinity", -inf}, {"0x1p99999", inf},
-                 {"--1", 99.0},      {".", 99.0},      {"e5", 99.0},      {"", 99.0},      {"+-1", 99.0}};
+    } cases[] = {{"  +2.5xyz", 2.5}, {"1,5", 1.0},     {"1e", 1.0},  {".5", 0.5},         {"5.", 5.0},
+                 {"0x1p3", 8.0},     {"-0x1.8", -1.5}, {"0x", 0.0},  {"0xg", 0.0},        {"1e400", inf},
+                 {"-1e400", -inf},   {"1e-400", 0.0},  {"INF", inf}, {"-Infinity", -inf}, {"0x1p99999", inf},
+                 {"--1", 99.0},      {".", 99.0},      {"e5", 99.0}, {"", 99.0},          {"+-1", 99.0}};
     auto file = makeINIFile();
     for (const auto &c : cases) {
         file->writePrivateProfileString("s", "k", c.text);

@@ -48,7 +48,8 @@ TEST(TarnINITokenTest, SettersMakeTheirTextForms) {
         double number;
         const char *text;
     };
-    const Case doubles[] = {{0.1, "0.1"}, {1.5, "1.5"}, {1e20, "1e+20"}, {123456789.0, "1.23457e+08"}, {-0.0, "-0"}};
+    const Case doubles[] = {
+        {0.1, "0.1"}, {1.5, "1.5"}, {1e20, "1e+20"}, {123456789.0, "1.23457e+08"}, {-0.0, "-0"}};
     for (const Case &c : doubles) {
         TarnINIToken token;
         token.setValue(c.number);
