@@ -71,70 +71,71 @@ TEST(TarnINIFileTest, DefaultsPassThroughTheirTextForms) {
     EXPECT_EQ(stored(*file, "s", "none"), "");
 }
 
-struct IntCase {
+// One stored text and what a typed read of it must give.
+template <class T>
+struct ScanCase {
     const char *text;
-    int expected; // the caller's 12345 stays where no number starts the text
+    T expected;
 };
 
+// A typed read of the const char* family.
+template <class T>
+using TypedRead = void (TarnINIFile::*)(const char *, const char *, T, T &);
+
+// Stores each case's text under s/k and reads it back with `read` into an output that holds
+// `preset` beforehand: where no number starts the text, the preset must stay.
+template <class T, std::size_t N>
+void expectScans(TarnINIFile &file, const ScanCase<T> (&cases)[N], T preset, TypedRead<T> read,
+                 const char *kind) {
+    for (const ScanCase<T> &c : cases) {
+        file.writePrivateProfileString("s", "k", c.text);
+        T out = preset;
+        (file.*read)("s", "k", T(), out);
+        EXPECT_EQ(out, c.expected) << kind << " of \"" << c.text << "\"";
+    }
+    EXPECT_EQ(stored(file, "s", "k"), cases[N - 1].text) << "a scan never changes the stored text";
+}
+
 TEST(TarnINIFileTest, IntegerScansTakeTheLeadingNumberOrLeaveTheOutput) {
-    const IntCase decimal[] = {{"12abc", 12},
-                               {" -7", -7},
-                               {"+3", 3},
-                               {"abc", 12345},
-                               {"", 12345},
-                               {"- 1", 12345},
-                               {"99999999999", INT_MAX},
-                               {"-99999999999", INT_MIN},
-                               {"0x10", 0}};
-    const IntCase hex[] = {{"ff", 255},   {"0x1F", 31}, {" -1", -1},        {"ffffffff", -1},
-                           {"zz", 12345}, {"0x", 0},    {"7fffffffff", -1}, {"10g", 16}};
+    const int kept = 12345;
+    const ScanCase<int> decimal[] = {{"12abc", 12},
+                                     {" -7", -7},
+                                     {"+3", 3},
+                                     {"abc", kept},
+                                     {"", kept},
+                                     {"- 1", kept},
+                                     {"99999999999", INT_MAX},
+                                     {"-99999999999", INT_MIN},
+                                     {"0x10", 0}};
+    const ScanCase<int> hex[] = {{"ff", 255},  {"0x1F", 31}, {" -1", -1},        {"ffffffff", -1},
+                                 {"zz", kept}, {"0x", 0},    {"7fffffffff", -1}, {"10g", 16}};
+    const ScanCase<unsigned int> unsignedCases[] = {{"-1", 0xFFFFFFFFu},
+                                                    {"4294967295", 0xFFFFFFFFu},
+                                                    {"4294967296", 0xFFFFFFFFu},
+                                                    {"-4294967296", 0xFFFFFFFFu},
+                                                    {"42x", 42u},
+                                                    {"x", 12345u}};
     auto file = makeINIFile();
-    for (const IntCase &c : decimal) {
-        file->writePrivateProfileString("s", "k", c.text);
-        int out = 12345;
-        file->getPrivateProfileInt("s", "k", 0, out);
-        EXPECT_EQ(out, c.expected) << "%d of " << c.text;
-    }
-    for (const IntCase &c : hex) {
-        file->writePrivateProfileString("s", "k", c.text);
-        int out = 12345;
-        file->getPrivateProfileHex("s", "k", 0, out);
-        EXPECT_EQ(out, c.expected) << "%x of " << c.text;
-    }
-    const struct {
-        const char *text;
-        unsigned int expected;
-    } unsignedCases[] = {{"-1", 0xFFFFFFFFu},
-                         {"4294967295", 0xFFFFFFFFu},
-                         {"4294967296", 0xFFFFFFFFu},
-                         {"-4294967296", 0xFFFFFFFFu},
-                         {"42x", 42u},
-                         {"x", 12345u}};
-    for (const auto &c : unsignedCases) {
-        file->writePrivateProfileString("s", "k", c.text);
-        unsigned int out = 12345;
-        file->getPrivateProfileUInt("s", "k", 0, out);
-        EXPECT_EQ(out, c.expected) << "%u of " << c.text;
-    }
-    EXPECT_EQ(stored(*file, "s", "k"), "x") << "a scan never changes the stored text";
+    expectScans(*file, decimal, kept, &TarnINIFile::getPrivateProfileInt, "%d");
+    expectScans(*file, hex, kept, &TarnINIFile::getPrivateProfileHex, "%x");
+    expectScans(*file, unsignedCases, 12345u, &TarnINIFile::getPrivateProfileUInt, "%u");
 }
 
 TEST(TarnINIFileTest, RealScansFollowTheStandardGrammarInTheCLocale) {
     const double inf = std::numeric_limits<double>::infinity();
-    const struct {
-        const char *text;
-        double expected; // 99 is the caller's value, kept where no number starts the text
-    } cases[] = {{"  +2.5xyz", 2.5}, {"1,5", 1.0},     {"1e", 1.0},  {".5", 0.5},         {"5.", 5.0},
-                 {"0x1p3", 8.0},     {"-0x1.8", -1.5}, {"0x", 0.0},  {"0xg", 0.0},        {"1e400", inf},
-                 {"-1e400", -inf},   {"1e-400", 0.0},  {"INF", inf}, {"-Infinity", -inf}, {"0x1p99999", inf},
-                 {"--1", 99.0},      {".", 99.0},      {"e5", 99.0}, {"", 99.0},          {"+-1", 99.0}};
+    const double kept = 99.0;
+    const ScanCase<double> cases[] = {
+        {"  +2.5xyz", 2.5}, {"1,5", 1.0},     {"1e", 1.0},  {".5", 0.5},         {"5.", 5.0},
+        {"0x1p3", 8.0},     {"-0x1.8", -1.5}, {"0x", 0.0},  {"0xg", 0.0},        {"1e400", inf},
+        {"-1e400", -inf},   {"1e-400", 0.0},  {"INF", inf}, {"-Infinity", -inf}, {"0x1p99999", inf},
+        {"--1", kept},      {".", kept},      {"e5", kept}, {"", kept},          {"+-1", kept}};
     auto file = makeINIFile();
-    for (const auto &c : cases) {
-        file->writePrivateProfileString("s", "k", c.text);
-        double out = 99.0;
-        file->getPrivateProfileDouble("s", "k", 0.0, out);
-        EXPECT_EQ(out, c.expected) << "%lf of " << c.text;
-    }
+    expectScans(*file, cases, kept, &TarnINIFile::getPrivateProfileDouble, "%lf");
+    // "%f" rounds to float once: beyond float's range is infinite although a double would hold it.
+    const ScanCase<float> floats[] = {
+        {"1e39", std::numeric_limits<float>::infinity()}, {"0.1", 0.1f}, {"x", 2.0f}};
+    expectScans(*file, floats, 2.0f, &TarnINIFile::getPrivateProfileFloat, "%f");
+
     double out = 0.0;
     file->writePrivateProfileString("s", "k", "-1e-400");
     file->getPrivateProfileDouble("s", "k", 0.0, out);
@@ -142,15 +143,6 @@ TEST(TarnINIFileTest, RealScansFollowTheStandardGrammarInTheCLocale) {
     file->writePrivateProfileString("s", "k", "nan(1)");
     file->getPrivateProfileDouble("s", "k", 0.0, out);
     EXPECT_TRUE(std::isnan(out));
-
-    // "%f" rounds to float once: beyond float's range is infinite although a double would hold it.
-    float single = 0.0f;
-    file->writePrivateProfileString("s", "k", "1e39");
-    file->getPrivateProfileFloat("s", "k", 0.0f, single);
-    EXPECT_EQ(single, std::numeric_limits<float>::infinity());
-    file->writePrivateProfileString("s", "k", "0.1");
-    file->getPrivateProfileFloat("s", "k", 0.0f, single);
-    EXPECT_EQ(single, 0.1f);
 }
 
 TEST(TarnINIFileTest, BoolReadTrimsAndFoldsCaseOnAWorkingCopy) {
