@@ -26,49 +26,37 @@ TEST(TarnINIFileTest, ReadOfAMissingKeyStoresTheDefault) {
     int out = 0;
     file->getPrivateProfileInt("new", "count", 5, out);
     EXPECT_EQ(out, 5);
-    EXPECT_EQ(modelOf(*file), (Model{{"new", {{"count", "5"}}}}));
     file->getPrivateProfileInt("new", "count", 9, out);
     EXPECT_EQ(out, 5) << "the stored value wins over a later default";
-
     const std::string path = tarn_test::scratchPath("out");
     ASSERT_TRUE(file->write(path.c_str()));
     auto again = makeINIFile();
     ASSERT_TRUE(again->read(path.c_str()));
-    EXPECT_EQ(modelOf(*again), modelOf(*file));
+    EXPECT_EQ(modelOf(*again), (Model{{"new", {{"count", "5"}}}}));
 }
 
 TEST(TarnINIFileTest, DefaultsPassThroughTheirTextForms) {
     auto file = makeINIFile();
     float f = 1.0f;
     file->getPrivateProfileFloat("s", "f", 1e-7f, f);
-    EXPECT_EQ(f, 0.0f);
-    EXPECT_EQ(stored(*file, "s", "f"), "0.000000");
     double d = 1.0;
     file->getPrivateProfileDouble("s", "d", 1e-20, d);
-    EXPECT_EQ(d, 0.0);
-    EXPECT_EQ(stored(*file, "s", "d"), "0.000000000000000");
-    unsigned int u = 0;
-    file->getPrivateProfileUInt("s", "u", 4000000000u, u);
-    EXPECT_EQ(u, 4000000000u);
-    EXPECT_EQ(stored(*file, "s", "u"), "4000000000");
     int h = 0;
     file->getPrivateProfileHex("s", "h", -2, h);
-    EXPECT_EQ(h, -2);
-    EXPECT_EQ(stored(*file, "s", "h"), "fffffffe");
     bool b = false;
     file->getPrivateProfileBool("s", "b", true, b);
-    EXPECT_TRUE(b);
-    EXPECT_EQ(stored(*file, "s", "b"), "true");
-    int flag = 7;
-    file->getPrivateProfileBOOL("s", "flag", false, flag);
-    EXPECT_EQ(flag, 0);
-    EXPECT_EQ(stored(*file, "s", "flag"), "false");
     TarnString text("old");
-    file->getPrivateProfileString("s", "text", "dflt", text);
-    EXPECT_EQ(std::string(text), "dflt");
-    file->getPrivateProfileString("s", "none", nullptr, text);
+    file->getPrivateProfileString("s", "t", nullptr, text);
+    EXPECT_EQ(f, 0.0f);
+    EXPECT_EQ(d, 0.0);
+    EXPECT_EQ(h, -2);
+    EXPECT_TRUE(b);
     EXPECT_EQ(std::string(text), "");
-    EXPECT_EQ(stored(*file, "s", "none"), "");
+    EXPECT_EQ(
+        modelOf(*file),
+        (Model{
+            {"s",
+             {{"f", "0.000000"}, {"d", "0.000000000000000"}, {"h", "fffffffe"}, {"b", "true"}, {"t", ""}}}}));
 }
 
 // One stored text and what a typed read of it must give.
@@ -147,35 +135,25 @@ TEST(TarnINIFileTest, RealScansFollowTheStandardGrammarInTheCLocale) {
 
 TEST(TarnINIFileTest, BoolReadTrimsAndFoldsCaseOnAWorkingCopy) {
     auto file = makeINIFile();
-    for (const char *yes : {"true", "TRUE", " T ", "\tt", "tomorrow"}) {
-        file->writePrivateProfileString("s", "k", yes);
-        for (bool fallback : {false, true}) {
-            bool out = false;
-            int number = 5;
-            file->getPrivateProfileBool("s", "k", fallback, out);
-            file->getPrivateProfileBOOL("s", "k", fallback, number);
-            EXPECT_TRUE(out) << yes;
-            EXPECT_EQ(number, 1) << yes;
-        }
-        EXPECT_EQ(stored(*file, "s", "k"), yes) << "the model keeps its text";
-    }
-    for (const char *no : {"1", "yes", "on", ""}) {
-        file->writePrivateProfileString("s", "k", no);
-        bool out = true;
+    for (const char *text : {"true", "TRUE", " T ", "\tt", "tomorrow", "1", "yes", "on", ""}) {
+        const bool expected = text[0] != '\0' && std::string("tT \t").find(text[0]) != std::string::npos;
+        file->writePrivateProfileString("s", "k", text);
+        bool out = !expected;
         int number = 5;
-        file->getPrivateProfileBool("s", "k", true, out);
-        file->getPrivateProfileBOOL("s", "k", true, number);
-        EXPECT_FALSE(out) << no;
-        EXPECT_EQ(number, 0) << no;
+        file->getPrivateProfileBool("s", "k", !expected, out);
+        file->getPrivateProfileBOOL("s", "k", !expected, number);
+        EXPECT_EQ(out, expected) << text;
+        EXPECT_EQ(number, expected ? 1 : 0) << text;
+        EXPECT_EQ(stored(*file, "s", "k"), text) << "the model keeps its text";
     }
 }
 
 TEST(TarnINIFileTest, WritesStoreTheirTextForms) {
     auto file = makeINIFile();
     file->writePrivateProfileFloat("s", "float", 0.1f);
-    file->writePrivateProfileDouble("s", "double", 0.5);
+    file->writePrivateProfileDouble("s", "double", 1234.5);
     file->writePrivateProfileExp("s", "exp", 1234.5);
-    file->writePrivateProfileExpG("s", "expg", 0.1);
+    file->writePrivateProfileExpG("s", "expg", 1234.5);
     file->writePrivateProfileInt("s", "int", -42);
     file->writePrivateProfileHex("s", "hex", -1);
     file->writePrivateProfileHex("s", "hex255", 255);
@@ -184,9 +162,9 @@ TEST(TarnINIFileTest, WritesStoreTheirTextForms) {
     file->writePrivateProfileString("s", "text", " as is\n");
     EXPECT_EQ(modelOf(*file), (Model{{"s",
                                       {{"float", "0.100000"},
-                                       {"double", "0.500000000000000"},
+                                       {"double", "1234.500000000000000"},
                                        {"exp", "1.234500000000000e+03"},
-                                       {"expg", "0.1"},
+                                       {"expg", "1234.5"},
                                        {"int", "-42"},
                                        {"hex", "ffffffff"},
                                        {"hex255", "ff"},
@@ -197,30 +175,10 @@ TEST(TarnINIFileTest, WritesStoreTheirTextForms) {
     file->getPrivateProfileHex("s", "hex", 0, hex);
     EXPECT_EQ(hex, -1);
     for (const char *key : {"double", "exp", "expg"}) {
-        file->writePrivateProfileString("s", "double", "0.5");
         double out = 0.0;
         file->getPrivateProfileDouble("s", key, 0.0, out);
-        EXPECT_GT(out, 0.0) << key << " reads back through the double kind";
+        EXPECT_EQ(out, 1234.5) << key << " reads back through the double kind";
     }
-    double exp = 0.0;
-    file->getPrivateProfileDouble("s", "exp", 0.0, exp);
-    EXPECT_EQ(exp, 1234.5);
-}
-
-TEST(TarnINIFileTest, WriteOfAPresentKeyChangesOnlyItsText) {
-    auto file = makeINIFile();
-    for (const char *key : {"a", "b", "c"}) {
-        file->writePrivateProfileString("s", key, "old");
-    }
-    file->writePrivateProfileInt("s", "b", 2);
-    const TarnINISection &keys = file->at(TarnString("s"));
-    std::string order;
-    for (const auto &key : keys) {
-        order += static_cast<const std::string &>(key.first);
-    }
-    EXPECT_EQ(order, "abc");
-    EXPECT_EQ(stored(*file, "s", "b"), "2");
-    EXPECT_EQ(keys.size(), 3u);
 }
 
 TEST(TarnINIFileTest, NamesAreUsedUntrimmedAndTheStringOverloadsReachTheSameSection) {
@@ -230,13 +188,9 @@ TEST(TarnINIFileTest, NamesAreUsedUntrimmedAndTheStringOverloadsReachTheSameSect
     int out = 0;
     file->getPrivateProfileInt(" S ", " k", 0, out);
     EXPECT_EQ(out, 1);
-    file->writePrivateProfileBool(section, "flag", true);
-    bool flag = false;
-    file->getPrivateProfileBool(section, "flag", false, flag);
-    EXPECT_TRUE(flag);
     TarnString text;
     file->getPrivateProfileString(section, "missing", "m", text);
-    EXPECT_EQ(modelOf(*file), (Model{{" S ", {{" k", "1"}, {"flag", "true"}, {"missing", "m"}}}}));
+    EXPECT_EQ(modelOf(*file), (Model{{" S ", {{" k", "1"}, {"missing", "m"}}}}));
 }
 
 TEST(TarnINIFileTest, NullNamesChangeNothing) {
@@ -246,12 +200,7 @@ TEST(TarnINIFileTest, NullNamesChangeNothing) {
     int out = 0;
     file->getPrivateProfileInt(nullptr, "k", 8, out);
     EXPECT_EQ(out, 8) << "the default's text form is read";
-    bool flag = false;
-    file->getPrivateProfileBool("s", nullptr, true, flag);
-    EXPECT_TRUE(flag);
     EXPECT_TRUE(file->empty());
-    file->writePrivateProfileString("s", "k", nullptr);
-    EXPECT_EQ(stored(*file, "s", "k"), "");
 }
 
 } // namespace

@@ -9,7 +9,6 @@
 #include <iterator>
 #include <map>
 #include <memory>
-#include <sstream>
 #include <string>
 
 namespace tarn_test {
@@ -90,20 +89,6 @@ inline Model afterSaveAndLoad(const Model &model) {
         }
     }
     return result;
-}
-
-/// Renders a byte string with escapes for a failure message.
-inline std::string printable(const std::string &bytes) {
-    std::ostringstream out;
-    for (unsigned char byte : bytes) {
-        if (byte >= 0x20 && byte < 0x7F && byte != '\\') {
-            out << static_cast<char>(byte);
-        } else {
-            static const char digits[] = "0123456789abcdef";
-            out << "\\x" << digits[byte >> 4] << digits[byte & 15];
-        }
-    }
-    return out.str();
 }
 
 } // namespace tarn_test
