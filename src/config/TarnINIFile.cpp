@@ -5,6 +5,7 @@
 
 #include <cstring>
 #include <fstream>
+#include <new>
 #include <utility>
 
 namespace {
@@ -131,8 +132,16 @@ bool TarnINIFile::loadBytes() {
         return false;
     }
     buffer.reset();
-    bufferSize = static_cast<std::uint32_t>(end - start);
-    buffer.reset(new char[bufferSize]);
+    bufferSize = 0;
+    const auto size = static_cast<std::uint32_t>(end - start);
+    // A file too large for the memory at hand fails like a file that does not open, with the model
+    // as it was, instead of ending the caller's program with an exception.
+    buffer.reset(new (std::nothrow) char[size]);
+    if (buffer == nullptr) {
+        closeFile();
+        return false;
+    }
+    bufferSize = size;
     if (std::fread(buffer.get(), 1, bufferSize, file) != bufferSize) {
         // A short read: the model stays as it is and the file stays open in `file`.
         return false;

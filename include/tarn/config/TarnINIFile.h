@@ -40,8 +40,8 @@ public:
     /// Loads the file `fileName` (null: the stored name) into the model, replacing it. A non-null
     /// name is stored even when the load fails. Returns false, with the model unchanged, when no
     /// name is known, the file does not open, its size cannot be told or exceeds 4 GiB - 1 bytes,
-    /// or fewer bytes arrive than its size said (the file then stays open until the next `read`,
-    /// `write` or the destructor). Any content at all loads: the result is then true.
+    /// its bytes do not fit in memory, or fewer bytes arrive than its size said (the file then stays open
+    /// until the next `read`, `write` or the destructor). Any content at all loads: the result is then true.
     bool read(const char *fileName);
     /// Saves the model to `fileName` (null: the stored name): sections and keys in byte order,
     /// "[name]" and "key=value" lines with the platform's line end, an empty line after every
