@@ -27,11 +27,16 @@ using TarnINISectionMap = std::map<TarnString, TarnINISection>;
 /// false.
 class TARN_API TarnINIFile : public TarnObject, public TarnINISectionMap {
 public:
+    /// Not copyable: the object owns its loaded bytes and may hold an open file.
+    ///@{
     TarnINIFile(const TarnINIFile &) = delete;
     TarnINIFile &operator=(const TarnINIFile &) = delete;
+    ///@}
 
     using TarnObject::isa;
+    /// Returns true for "TarnINIFile" only.
     bool isa(const std::string &name) const override;
+    /// Returns "TarnINIFile".
     std::string getClassName() const override;
 
     /// Destroys this object through its virtual destructor; the pointer is invalid afterwards.
@@ -64,94 +69,126 @@ public:
     // it; the output is then converted from that text, never set from the default directly. The
     // number reads skip leading white space, convert the longest valid prefix in the C locale and
     // leave `out` untouched when the text starts with no number. A null section or key changes
-    // nothing and reads the default's text form. Each TarnString overload passes the section's
-    // text to the const char* overload.
+    // nothing and reads the default's text form. Each kind comes in two overloads: the TarnString one
+    // passes the section's text to the const char* one.
 
     /// Reads the text of `key`; a missing key is stored with `defaultValue` (null: the empty text).
+    ///@{
     void getPrivateProfileString(const char *section, const char *key, const char *defaultValue,
                                  TarnString &out);
-    /// Passes the text of `section` to the overload above.
     void getPrivateProfileString(TarnString &section, const char *key, const char *defaultValue,
                                  TarnString &out);
+    ///@}
+
     /// Reads a float ("%f" scan); the default's text is "%.6f" of the value widened to double. A
     /// number beyond float's range gives an infinity, one too close to zero gives 0.
+    ///@{
     void getPrivateProfileFloat(const char *section, const char *key, float defaultValue, float &out);
-    /// Passes the text of `section` to the overload above.
     void getPrivateProfileFloat(TarnString &section, const char *key, float defaultValue, float &out);
+    ///@}
+
     /// Reads a double ("%lf" scan); the default's text is "%.15f". A number beyond double's range
     /// gives an infinity, one too close to zero gives 0.
+    ///@{
     void getPrivateProfileDouble(const char *section, const char *key, double defaultValue, double &out);
-    /// Passes the text of `section` to the overload above.
     void getPrivateProfileDouble(TarnString &section, const char *key, double defaultValue, double &out);
+    ///@}
+
     /// Reads an unsigned decimal ("%u" scan, default's text "%u"). A minus sign negates modulo
     /// 2^32; a number beyond 32 bits gives 0xFFFFFFFF.
+    ///@{
     void getPrivateProfileUInt(const char *section, const char *key, unsigned int defaultValue,
                                unsigned int &out);
-    /// Passes the text of `section` to the overload above.
     void getPrivateProfileUInt(TarnString &section, const char *key, unsigned int defaultValue,
                                unsigned int &out);
+    ///@}
+
     /// Reads a signed decimal ("%d" scan, default's text "%d"). A number out of range gives the
     /// nearest limit of int.
+    ///@{
     void getPrivateProfileInt(const char *section, const char *key, int defaultValue, int &out);
-    /// Passes the text of `section` to the overload above.
     void getPrivateProfileInt(TarnString &section, const char *key, int defaultValue, int &out);
+    ///@}
+
     /// Reads a hexadecimal number ("%x" scan: sign and 0x allowed, default's text "%x") as its 32
     /// bits; a number beyond 32 bits gives 0xFFFFFFFF, that is -1.
+    ///@{
     void getPrivateProfileHex(const char *section, const char *key, int defaultValue, int &out);
-    /// Passes the text of `section` to the overload above.
     void getPrivateProfileHex(TarnString &section, const char *key, int defaultValue, int &out);
+    ///@}
+
     /// Reads a truth value: true exactly when the text, trimmed and in lower case, starts with
     /// "t". Always writes `out`; the default's text is "true" or "false".
+    ///@{
     void getPrivateProfileBool(const char *section, const char *key, bool defaultValue, bool &out);
-    /// Passes the text of `section` to the overload above.
     void getPrivateProfileBool(TarnString &section, const char *key, bool defaultValue, bool &out);
+    ///@}
+
     /// Reads a truth value as `getPrivateProfileBool` does and gives 1 or 0.
+    ///@{
     void getPrivateProfileBOOL(const char *section, const char *key, bool defaultValue, int &out);
-    /// Passes the text of `section` to the overload above.
     void getPrivateProfileBOOL(TarnString &section, const char *key, bool defaultValue, int &out);
+    ///@}
 
     // ---- Profile writes -----------------------------------------------------------------------
     // Each write stores the value's text under the key, adding the section and the key when
     // missing; a present key keeps its place and only its text changes. A null section or key
-    // changes nothing.
+    // changes nothing. The TarnString overload passes the section's text to the const char* one.
 
     /// Stores `value` unchanged (null: the empty text).
+    ///@{
     void writePrivateProfileString(const char *section, const char *key, const char *value);
-    /// Passes the text of `section` to the overload above.
     void writePrivateProfileString(TarnString &section, const char *key, const char *value);
+    ///@}
+
     /// Stores "%.6f" of the value widened to double.
+    ///@{
     void writePrivateProfileFloat(const char *section, const char *key, float value);
-    /// Passes the text of `section` to the overload above.
     void writePrivateProfileFloat(TarnString &section, const char *key, float value);
+    ///@}
+
     /// Stores "%.15f": fixed point with 15 decimals.
+    ///@{
     void writePrivateProfileDouble(const char *section, const char *key, double value);
-    /// Passes the text of `section` to the overload above.
     void writePrivateProfileDouble(TarnString &section, const char *key, double value);
+    ///@}
+
     /// Stores "%.15e": exponent form with 15 decimals.
+    ///@{
     void writePrivateProfileExp(const char *section, const char *key, double value);
-    /// Passes the text of `section` to the overload above.
     void writePrivateProfileExp(TarnString &section, const char *key, double value);
+    ///@}
+
     /// Stores "%.15g": general form with 15 significant digits.
+    ///@{
     void writePrivateProfileExpG(const char *section, const char *key, double value);
-    /// Passes the text of `section` to the overload above.
     void writePrivateProfileExpG(TarnString &section, const char *key, double value);
+    ///@}
+
     /// Stores "%d": signed decimal.
+    ///@{
     void writePrivateProfileInt(const char *section, const char *key, int value);
-    /// Passes the text of `section` to the overload above.
     void writePrivateProfileInt(TarnString &section, const char *key, int value);
+    ///@}
+
     /// Stores "%x": lower-case hexadecimal without prefix, a negative value as its 32-bit two's
     /// complement (-1 gives "ffffffff").
+    ///@{
     void writePrivateProfileHex(const char *section, const char *key, int value);
-    /// Passes the text of `section` to the overload above.
     void writePrivateProfileHex(TarnString &section, const char *key, int value);
+    ///@}
+
     /// Stores "true" or "false".
+    ///@{
     void writePrivateProfileBool(const char *section, const char *key, bool value);
-    /// Passes the text of `section` to the overload above.
     void writePrivateProfileBool(TarnString &section, const char *key, bool value);
+    ///@}
+
     /// Stores "true" for any non-zero value, else "false".
+    ///@{
     void writePrivateProfileBOOL(const char *section, const char *key, int value);
-    /// Passes the text of `section` to the overload above.
     void writePrivateProfileBOOL(TarnString &section, const char *key, int value);
+    ///@}
 
 protected:
     /// Makes an empty model; a non-null `name` becomes the stored file name.

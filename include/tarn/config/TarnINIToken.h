@@ -14,16 +14,26 @@ class TarnINIFile;
 /// time.
 class TARN_API TarnINIToken : public TarnObject {
 public:
+    /// Constructs a token with the empty text.
     TarnINIToken() = default;
+    /// Constructs a token with the text of `other`.
+    ///@{
     TarnINIToken(const TarnINIToken &other) = default;
     TarnINIToken(TarnINIToken &&other) noexcept = default;
+    ///@}
+    /// Releases the text.
     ~TarnINIToken() override;
 
+    /// Replaces the text by that of `other`.
+    ///@{
     TarnINIToken &operator=(const TarnINIToken &other) = default;
     TarnINIToken &operator=(TarnINIToken &&other) noexcept = default;
+    ///@}
 
     using TarnObject::isa;
+    /// Returns true for "TarnINIToken" only.
     bool isa(const std::string &name) const override;
+    /// Returns "TarnINIToken".
     std::string getClassName() const override;
 
     /// Returns true when the first byte of the value is "t" or "T"; any other first byte or an
