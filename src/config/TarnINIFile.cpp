@@ -152,46 +152,46 @@ bool TarnINIFile::loadBytes() {
 
 void TarnINIFile::parse() {
     const char *at = buffer.get();
-    const char *const end = at + bufferSize;
+    const char *const dataEnd = at + bufferSize;
     // The section of the last header; null until the first one, so that entries in front of it
     // are dropped. Map nodes never move, and parse removes none, so the pointer stays valid.
     TarnINISection *current = nullptr;
     // Every step that reaches the end of the data ends the scan and drops what it was collecting.
-    while (at < end) {
-        at = skipBlanks(at, end);
-        if (at == end) {
+    while (at < dataEnd) {
+        at = skipBlanks(at, dataEnd);
+        if (at == dataEnd) {
             break;
         }
         if (*at == ';') {
             // A comment, only where an entry could begin: up to the next control byte.
-            at = findControlByte(at, end);
+            at = findControlByte(at, dataEnd);
             continue;
         }
         if (*at == '[') {
             // A section header: any byte but "]" belongs to the name, line ends included. A "["
             // as the very last byte names the empty section; otherwise a missing "]" drops it.
             const char *const nameStart = at + 1;
-            const char *nameEnd = end;
-            if (nameStart < end) {
-                nameEnd = findByte(nameStart, end, ']');
+            const char *nameEnd = dataEnd;
+            if (nameStart < dataEnd) {
+                nameEnd = findByte(nameStart, dataEnd, ']');
                 if (nameEnd == nullptr) {
                     break;
                 }
             }
             // An existing section keeps its keys: later headers of the same name merge into it.
-            current = &try_emplace(this->end(), TarnString(std::string(nameStart, nameEnd)))->second;
-            at = nameEnd < end ? nameEnd + 1 : end;
+            current = &try_emplace(end(), TarnString(std::string(nameStart, nameEnd)))->second;
+            at = nameEnd < dataEnd ? nameEnd + 1 : dataEnd;
             continue;
         }
         // An entry: the key runs to the next "=" whatever lies between, then the value runs to the
         // next control byte, which stays for the blank skip. Only a finished value is stored.
-        const char *const equals = findByte(at, end, '=');
+        const char *const equals = findByte(at, dataEnd, '=');
         if (equals == nullptr) {
             break;
         }
         const char *const valueStart = equals + 1;
-        const char *const valueEnd = findControlByte(valueStart, end);
-        if (valueEnd == end) {
+        const char *const valueEnd = findControlByte(valueStart, dataEnd);
+        if (valueEnd == dataEnd) {
             break;
         }
         if (current != nullptr) {
