@@ -2,6 +2,7 @@
 #pragma once
 
 void tourFoundation();
+void tourConfig();
 void tourSystem();
 void tourCrypt();
 void tourConcurrency();

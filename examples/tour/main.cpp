@@ -6,8 +6,9 @@
 int main() {
     std::printf("Tarn tour\n");
     tourFoundation();
+    tourConfig();
     tourSystem();
-    tourCrypt();
     tourConcurrency();
+    tourCrypt();
     return 0;
 }

@@ -8,6 +8,9 @@
 #include "tarn/foundation/TarnString.h"
 #include "tarn/foundation/TarnVector.h"
 
+#include "tarn/config/TarnINIFile.h"
+#include "tarn/config/TarnINIToken.h"
+
 #include "tarn/system/TarnFileName.h"
 #include "tarn/system/TarnSystem.h"
 
