@@ -3,3 +3,7 @@
 
 void tourFoundation();
 void tourSerialization();
+void tourConfig();
+void tourSystem();
+void tourCrypt();
+void tourConcurrency();

@@ -7,5 +7,9 @@ int main() {
     std::printf("Tarn tour\n");
     tourFoundation();
     tourSerialization();
+    tourConfig();
+    tourSystem();
+    tourConcurrency();
+    tourCrypt();
     return 0;
 }

@@ -15,4 +15,16 @@
 #include "tarn/serialization/TarnStringArchive.h"
 #include "tarn/serialization/TarnToken.h"
 
+#include "tarn/config/TarnINIFile.h"
+#include "tarn/config/TarnINIToken.h"
+
+#include "tarn/system/TarnFileName.h"
+#include "tarn/system/TarnSystem.h"
 #include "tarn/system/TarnTextFile.h"
+
+#include "tarn/concurrency/TarnSemaphore.h"
+#include "tarn/concurrency/TarnThread.h"
+#include "tarn/concurrency/TarnTimer.h"
+#include "tarn/concurrency/TarnTimerListener.h"
+
+#include "tarn/crypt/TarnCrypt.h"
