@@ -34,9 +34,10 @@ public:
     void setValue(const char *value);
     /// Makes the text "true" or "false".
     void setValue(bool value);
-    /// Makes the text `value` by "%.18e" (19 significant digits). Infinities and NaNs give
-    /// printf's texts "inf", "-inf", "nan" and "-nan", which read back as the same value (a NaN
-    /// keeps its sign, not its payload).
+    /// Makes the text `value` by "%.18e" (19 significant digits), the same on every platform.
+    /// Infinities give "inf" and "-inf"; a NaN gives "nan" or "-nan" by its sign, whatever the
+    /// platform's printf writes for it. All read back as the same value (a NaN keeps its sign, not
+    /// its payload).
     void setValue(double value);
     /// Makes the text `value`, widened to double, by "%.8e" (9 significant digits).
     void setValue(float value);
