@@ -3,6 +3,7 @@
 
 #include "serialization/TarnNumberText.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
@@ -42,21 +43,29 @@ void forEachPiece(const char *first, const char *last, unsigned int count, Reade
     }
 }
 
-// Appends the list form of `count` doubles to `text`: each by "%.18e" and a blank.
+// Makes `text` the list form of `count` doubles: each by "%.18e" and a blank. The values are
+// formatted straight into the string's storage, a block at a time, so that no size computation
+// can overflow on a 32-bit build: a list too long for memory fails in the string's own resize.
 void writeDoubleList(TarnString &text, const double *values, unsigned int count) {
+    constexpr std::size_t perValue = nt::kMaxScientificLength + 1;
+    constexpr unsigned int block = 65536;
     text.clear();
-    if (count == 0) {
-        return;
+    if (count <= text.max_size() / perValue) {
+        text.reserve(static_cast<std::size_t>(count) * perValue);
     }
-    // Format straight into the string's storage, then cut it to what was written.
-    text.resize(static_cast<std::size_t>(count) * (nt::kMaxScientificLength + 1));
-    char *out = &text[0u];
-    char *const begin = out;
-    for (unsigned int i = 0; i < count; ++i) {
-        out = nt::writeScientific(out, values[i], 18);
-        *out++ = ' ';
+    std::size_t used = 0;
+    for (unsigned int first = 0; first < count; first += std::min(block, count - first)) {
+        const unsigned int n = std::min(block, count - first);
+        text.resize(used + n * perValue);
+        char *const begin = &text[0u];
+        char *out = begin + used;
+        for (unsigned int i = first; i < first + n; ++i) {
+            out = nt::writeScientific(out, values[i], 18);
+            *out++ = ' ';
+        }
+        used = static_cast<std::size_t>(out - begin);
     }
-    text.resize(static_cast<std::size_t>(out - begin));
+    text.resize(used);
 }
 
 } // namespace
