@@ -7,6 +7,7 @@
 #include "tarn/system/TarnTextFile.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <fstream>
 #include <string>
 #include <utility>
@@ -48,7 +49,10 @@ bool TarnFileArchive::readFile(const char *fileName) {
     }
     file.seekg(0, std::ios::end);
     const std::streamoff size = file.tellg();
-    if (size < 0) {
+    std::string bytes;
+    // A size that no string can hold (a folder may report the largest offset there is, and a
+    // 32-bit build cannot hold a file of several gigabytes) reads as a file that does not load.
+    if (size < 0 || static_cast<std::uintmax_t>(size) > bytes.max_size()) {
         return false;
     }
     TarnSerializable::restoreCount = 0;
@@ -57,7 +61,6 @@ bool TarnFileArchive::readFile(const char *fileName) {
     // (a folder, a device) may report any size and then reads nothing, and a file that shrinks
     // meanwhile reads shorter; the buffer keeps what was read. A first byte is read before the
     // buffer is sized, so that a source that reads nothing never allocates its reported size.
-    std::string bytes;
     const int first = file.get();
     if (first != std::char_traits<char>::eof() && size > 0) {
         bytes.resize(static_cast<std::size_t>(size));

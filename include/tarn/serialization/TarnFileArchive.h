@@ -32,7 +32,7 @@ public:
     bool serializeRestore(TarnSerializable &object, const char *fileName);
     /// Loads `fileName` into the text, keeping only the bytes 0x20 to 0x7E, and sets
     /// TarnSerializable::restoreCount to 0. Returns false, changing nothing, when the file does
-    /// not open.
+    /// not open or reports a size that no string can hold.
     bool readFile(const char *fileName);
     /// Writes the tree below this archive to `fileName`, cutting an existing file. Returns true.
     bool writeFile(const char *fileName);
