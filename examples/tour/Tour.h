@@ -2,6 +2,7 @@
 #pragma once
 
 void tourFoundation();
+void tourSerialization();
 void tourConfig();
 void tourSystem();
 void tourCrypt();
