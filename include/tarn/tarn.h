@@ -8,6 +8,15 @@
 #include "tarn/foundation/TarnString.h"
 #include "tarn/foundation/TarnVector.h"
 
+#include "tarn/serialization/TarnArchive.h"
+#include "tarn/serialization/TarnFileArchive.h"
+#include "tarn/serialization/TarnHandleManager.h"
+#include "tarn/serialization/TarnSerializable.h"
+#include "tarn/serialization/TarnStringArchive.h"
+#include "tarn/serialization/TarnToken.h"
+
+#include "tarn/system/TarnTextFile.h"
+
 #include "tarn/linalg/TarnBlockDiagonalMatrix.h"
 #include "tarn/linalg/TarnLeastSquaresStatusControl.h"
 #include "tarn/linalg/TarnLowerTriangularMatrix.h"
