@@ -35,7 +35,7 @@ TarnMatrix::TarnMatrix(const double *data, int rows, int cols) {
 }
 
 // The base parts are default-constructed: the copy is a new object, not a second identity.
-TarnMatrix::TarnMatrix(const TarnMatrix &other) : TarnObject(), TarnTestable() {
+TarnMatrix::TarnMatrix(const TarnMatrix &other) : TarnSerializable(), TarnTestable() {
     copy(other);
 }
 
@@ -54,6 +54,25 @@ std::string TarnMatrix::getClassName() const {
 
 bool TarnMatrix::isModified() {
     return false;
+}
+
+void TarnMatrix::resetPointers() {
+    TarnSerializable::resetPointers();
+}
+
+void TarnMatrix::serializeStore(TarnArchive &archive) {
+    TarnSerializable::serializeStore(archive);
+    archive.addIntToken("rows", rows);
+    archive.addIntToken("cols", cols);
+    archive.addDoublesToken("data", elements, static_cast<unsigned int>(elementCount(rows, cols)));
+}
+
+void TarnMatrix::serializeRestore(TarnArchive &archive) {
+    TarnSerializable::serializeRestore(archive);
+    const int storedRows = archive.getTokenInt("rows");
+    const int storedCols = archive.getTokenInt("cols");
+    resize(storedRows, storedCols);
+    archive.getTokenDoubles("data", elements, static_cast<unsigned int>(elementCount(rows, cols)));
 }
 
 void TarnMatrix::resize(int rows, int cols) {

@@ -35,6 +35,29 @@ bool TarnSymmetricMatrix::isModified() {
     return false;
 }
 
+void TarnSymmetricMatrix::resetPointers() {
+    TarnSerializable::resetPointers();
+}
+
+void TarnSymmetricMatrix::serializeStore(TarnArchive &archive) {
+    TarnSerializable::serializeStore(archive);
+    archive.addIntToken("rows", rows);
+    archive.addIntToken("cols", cols);
+    archive.addDoublesToken("data", elements, static_cast<unsigned int>(packedCount(rows)));
+}
+
+void TarnSymmetricMatrix::serializeRestore(TarnArchive &archive) {
+    TarnSerializable::serializeRestore(archive);
+    const int storedRows = archive.getTokenInt("rows");
+    const int storedCols = archive.getTokenInt("cols");
+    // Unequal counts leave no block sized for the stored data, so none is read.
+    if (storedRows != storedCols) {
+        return;
+    }
+    resize(storedRows, storedCols);
+    archive.getTokenDoubles("data", elements, static_cast<unsigned int>(packedCount(rows)));
+}
+
 double TarnSymmetricMatrix::getElement(int row, int col) const {
     const bool stored = isUpperStorage() ? col >= row : col <= row;
     return stored ? *storedCell(row, col) : *storedCell(col, row);

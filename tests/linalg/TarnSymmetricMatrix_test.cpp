@@ -164,3 +164,41 @@ TEST(TarnBlockDiagonalMatrixTest, BlocksAreCopiesAndOutsideIndicesGiveTheSharedE
     EXPECT_EQ(&outside, &blocks.getBlock(-1));
     EXPECT_EQ(&outside, &TarnBlockDiagonalMatrix().getBlock(0));
 }
+
+TEST(TarnSymmetricMatrixTest, StoresPackedValuesUnderTheSymmetricClassName) {
+    TarnLowerTriangularMatrix lower(kSix, 3, 3);
+    TarnArchive node;
+    lower.serializeStore(node);
+    EXPECT_EQ(std::string(node.getName()), "TarnSymmetricMatrix");
+    EXPECT_EQ(std::string(node.getTokenText("rows")), "3");
+    EXPECT_EQ(std::string(node.getTokenText("cols")), "3");
+    std::vector<double> packed(7, -1.0);
+    node.getTokenDoubles("data", packed.data(), 7);
+    EXPECT_EQ(packed, (std::vector<double>{17, 22, 29, 27, 36, 45, -1})) << "only the triangle is stored";
+
+    TarnLowerTriangularMatrix restored;
+    restored.serializeRestore(node);
+    restored.reconnectPointers();
+    restored.resetPointers();
+    TarnSerializable::handleManager.reset();
+    EXPECT_TRUE(restored == lower);
+    EXPECT_EQ(squareOf(restored), squareOf(lower));
+    EXPECT_EQ(restored.getOldPointer(), restored.getBasePointer());
+    EXPECT_EQ(std::string(restored.get("data")), std::string(node.getTokenText("data")));
+}
+
+TEST(TarnSymmetricMatrixTest, RestoreWithUnequalCountsKeepsTheMatrix) {
+    TarnSymmetricMatrix matrix(kSix, 3, 3, 0);
+    TarnArchive node;
+    node.addIntToken("rows", 2);
+    node.addIntToken("cols", 4);
+    node.addDoublesToken("data", kSix, 6);
+    matrix.serializeRestore(node);
+    TarnSerializable::handleManager.reset();
+    EXPECT_EQ(matrix.nRows(), 3);
+    EXPECT_EQ(matrix.getElement(2, 2), 45.0);
+    TarnArchive empty;
+    matrix.serializeRestore(empty);
+    TarnSerializable::handleManager.reset();
+    EXPECT_EQ(matrix.nRows(), 0);
+}

@@ -5,6 +5,8 @@
 #include "tarn/foundation/TarnObject.h"
 #include "tarn/foundation/TarnString.h"
 #include "tarn/foundation/TarnVector.h"
+#include "tarn/serialization/TarnArchive.h"
+#include "tarn/serialization/TarnSerializable.h"
 
 #include <cstdint>
 #include <string>
@@ -20,8 +22,9 @@ class TarnBlockDiagonalMatrix;
 /// a target that is the same object as an operand is computed through a temporary, so aliasing is
 /// safe. Shape errors give false or an empty (0 x 0) result; nothing is thrown by the library
 /// itself (allocation failure propagates). Summation order is fixed (rising k from 0.0), so every
-/// result is the same bit for bit on every build. One thread at a time per object.
-class TARN_API TarnMatrix : public TarnObject, TarnTestable {
+/// result is the same bit for bit on every build. It stores itself as a node named "TarnMatrix"
+/// with the tokens "rows", "cols" and "data" (row-major). One thread at a time per object.
+class TARN_API TarnMatrix : public TarnSerializable, TarnTestable {
 public:
     /// Makes an unsized 0 x 0 matrix with no arrays.
     TarnMatrix();
@@ -37,8 +40,16 @@ public:
     using TarnObject::isa;
     bool isa(const std::string &name) const override;
     std::string getClassName() const override;
+    /// Stores the base tokens, then "rows" and "cols" by "%d" and "data", the rows x cols
+    /// elements in row-major order.
+    void serializeStore(TarnArchive &archive) override;
+    /// Restores the base tokens, resizes to the stored "rows" x "cols" (0 when absent) and reads
+    /// "data"; elements that the text does not reach stay 0.0.
+    void serializeRestore(TarnArchive &archive) override;
+    /// Makes this object's own address its identity again.
+    void resetPointers() override;
     /// Returns false, whatever has happened to the matrix.
-    bool isModified();
+    bool isModified() override;
 
     /// Reallocates to rows x cols and sets every element to 0.0; former contents are always lost,
     /// even when the shape does not change. A negative count is taken as 0.

@@ -3,7 +3,10 @@
 
 #include "tarn/TarnExport.h"
 #include "tarn/foundation/TarnObject.h"
+#include "tarn/serialization/TarnArchive.h"
+#include "tarn/serialization/TarnSerializable.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -13,9 +16,12 @@ class TarnMatrix;
 /// in one packed block, row by row, with a table of row pointers. Upper storage (storage 0) keeps
 /// columns i to n - 1 of row i; lower storage (any other value) keeps columns 0 to i. Reads and
 /// writes outside the stored triangle are mirrored into it. The matrix owns both arrays; it is
-/// not copyable. Indices are not range-checked. `resize` with unequal counts does nothing, and
-/// nothing here reports an error. One thread at a time per object.
-class TARN_API TarnSymmetricMatrix : TarnObject {
+/// not copyable. It stores itself as a node named "TarnSymmetricMatrix" with "rows", "cols" and
+/// the packed "data"; the storage form is not stored, so a node must be restored into a matrix of
+/// the form that wrote it. The serializable base is not public: the protocol steps are members of
+/// this class, and the archive classes do not take a packed matrix. Indices are not range-checked. `resize`
+/// with unequal counts does nothing, and nothing here reports an error. One thread at a time per object.
+class TARN_API TarnSymmetricMatrix : TarnSerializable {
 public:
     /// Makes an empty matrix (order 0, no arrays) of the given storage form.
     explicit TarnSymmetricMatrix(int storage);
@@ -31,8 +37,24 @@ public:
     bool isa(const std::string &name) const override;
     /// Returns "TarnSymmetricMatrix", also in the triangular classes.
     std::string getClassName() const override;
+    /// Stores the base tokens, then "rows", "cols" and "data", the n x (n + 1) / 2 packed values
+    /// in packed order.
+    void serializeStore(TarnArchive &archive) override;
+    /// Restores the base tokens, resizes to the stored order and reads the packed "data" in this
+    /// matrix's storage form. Stored "rows" and "cols" that differ leave the shape and elements
+    /// as they were, and no "data" is read.
+    void serializeRestore(TarnArchive &archive) override;
+    /// Makes this object's own address its identity again.
+    void resetPointers() override;
     /// Returns false, whatever has happened to the matrix.
-    bool isModified();
+    bool isModified() override;
+
+    // The rest of the restore sequence and the identity queries, public although the base is not.
+    using TarnSerializable::get;
+    using TarnSerializable::getBasePointer;
+    using TarnSerializable::getOldPointer;
+    using TarnSerializable::reconnectPointers;
+    using TarnSerializable::setModified;
 
     /// Returns element (row, col) of the full square matrix, read from (col, row) when the
     /// position lies outside the stored triangle.
