@@ -6,5 +6,6 @@
 int main() {
     std::printf("Tarn tour\n");
     tourFoundation();
+    tourLinalg();
     return 0;
 }
