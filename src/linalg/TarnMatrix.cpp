@@ -1,8 +1,8 @@
 // The dense matrix: storage, element-wise arithmetic, products, extraction, comparison and dump.
 #include "tarn/linalg/TarnMatrix.h"
 
-#include "linalg/TarnMatrixDump.h"
 #include "linalg/TarnMatrixKernels.h"
+#include "linalg/TarnMatrixText.h"
 #include "tarn/linalg/TarnMath.h"
 
 #include <algorithm>
@@ -62,9 +62,7 @@ void TarnMatrix::resetPointers() {
 
 void TarnMatrix::serializeStore(TarnArchive &archive) {
     TarnSerializable::serializeStore(archive);
-    archive.addIntToken("rows", rows);
-    archive.addIntToken("cols", cols);
-    archive.addDoublesToken("data", elements, static_cast<unsigned int>(elementCount(rows, cols)));
+    tarn::linalg::addMatrixTokens(archive, rows, cols, elements, elementCount(rows, cols));
 }
 
 void TarnMatrix::serializeRestore(TarnArchive &archive) {

@@ -93,6 +93,17 @@ bool check(TarnVector<TarnString> &results, bool passed, const char *passedLine,
     return passed;
 }
 
+// Transposes the order-6 triangle `sourcePacked` of form Source into a fresh Target and
+// compares the result with `expectedPacked` as a Target.
+template <class Source, class Target>
+bool transposeMatches(const double *sourcePacked, const double *expectedPacked) {
+    const Source source(sourcePacked, 6, 6);
+    Target transposed;
+    source.transpose(transposed);
+    const Target expected(expectedPacked, 6, 6);
+    return transposed == expected;
+}
+
 } // namespace
 
 bool TarnMatrix::test(TarnVector<TarnString> &results) {
@@ -149,24 +160,19 @@ bool TarnMatrix::test(TarnVector<TarnString> &results) {
 
 bool TarnLowerTriangularMatrix::test(TarnVector<TarnString> &results) {
     report(results, "class TarnLowerTriangularMatrix");
-    const TarnLowerTriangularMatrix lower(kLowerSix, 6, 6);
-    TarnUpperTriangularMatrix transposed;
-    lower.transpose(transposed);
-    const TarnUpperTriangularMatrix expected(kUpperSix, 6, 6);
-    return check(results, transposed == expected, "\ttranspose passed", "\t*** transpose failed ***");
+    const bool passed =
+        transposeMatches<TarnLowerTriangularMatrix, TarnUpperTriangularMatrix>(kLowerSix, kUpperSix);
+    return check(results, passed, "\ttranspose passed", "\t*** transpose failed ***");
 }
 
 bool TarnUpperTriangularMatrix::test(TarnVector<TarnString> &results) {
     report(results, "class TarnUpperTriangularMatrix");
     bool allPassed = true;
 
-    const TarnUpperTriangularMatrix upper(kUpperSix, 6, 6);
-    TarnLowerTriangularMatrix transposed;
-    upper.transpose(transposed);
-    const TarnLowerTriangularMatrix expectedTranspose(kLowerSix, 6, 6);
-    allPassed &=
-        check(results, transposed == expectedTranspose, "\tTarnUpperTriangularMatrix::transpose passed",
-              "\t*** TarnUpperTriangularMatrix::transpose failed ***");
+    const bool transposed =
+        transposeMatches<TarnUpperTriangularMatrix, TarnLowerTriangularMatrix>(kUpperSix, kLowerSix);
+    allPassed &= check(results, transposed, "\tTarnUpperTriangularMatrix::transpose passed",
+                       "\t*** TarnUpperTriangularMatrix::transpose failed ***");
 
     const TarnUpperTriangularMatrix upperLeft(kUpperLeft, 3, 3);
     const TarnMatrix denseRight(kDenseRight, 3, 4);

@@ -1,7 +1,7 @@
 // The packed symmetric matrix and its upper and lower triangular forms.
 #include "tarn/linalg/TarnSymmetricMatrix.h"
 
-#include "linalg/TarnMatrixDump.h"
+#include "linalg/TarnMatrixText.h"
 #include "tarn/linalg/TarnLowerTriangularMatrix.h"
 #include "tarn/linalg/TarnMath.h"
 #include "tarn/linalg/TarnUpperTriangularMatrix.h"
@@ -41,9 +41,7 @@ void TarnSymmetricMatrix::resetPointers() {
 
 void TarnSymmetricMatrix::serializeStore(TarnArchive &archive) {
     TarnSerializable::serializeStore(archive);
-    archive.addIntToken("rows", rows);
-    archive.addIntToken("cols", cols);
-    archive.addDoublesToken("data", elements, static_cast<unsigned int>(packedCount(rows)));
+    tarn::linalg::addMatrixTokens(archive, rows, cols, elements, packedCount(rows));
 }
 
 void TarnSymmetricMatrix::serializeRestore(TarnArchive &archive) {

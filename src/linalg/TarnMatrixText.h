@@ -1,8 +1,11 @@
-// Internal: writes a matrix to the debug text channel, one write per row and one per line end.
+// Internal: the text forms shared by the dense and packed matrices: debug dump and archive tokens.
 #pragma once
 
 #include "platform/TarnPlatform.h"
 #include "tarn/foundation/TarnString.h"
+#include "tarn/serialization/TarnArchive.h"
+
+#include <cstddef>
 
 namespace tarn {
 namespace linalg {
@@ -25,6 +28,15 @@ void dumpRows(int rows, int cols, int precision, ElementReader element) {
         tarn::platform::writeDebugText(line.c_str());
         tarn::platform::writeDebugText("\n");
     }
+}
+
+/// Adds the tokens "rows" and "cols" by "%d", then "data" holding `count` values in order: the
+/// stored form of every matrix of the family after the base tokens.
+inline void addMatrixTokens(TarnArchive &archive, int rows, int cols, const double *values,
+                            std::size_t count) {
+    archive.addIntToken("rows", rows);
+    archive.addIntToken("cols", cols);
+    archive.addDoublesToken("data", values, static_cast<unsigned int>(count));
 }
 
 } // namespace linalg
