@@ -43,15 +43,30 @@ void TarnLUDecomposition::updateColumn(int j, double *scratch) {
     // The column's own storage holds the running sums while scratch holds its former values.
     // Term k reaches every row below k as soon as row k is final, so each row's sum still grows
     // in rising k from 0.0, exactly as a dot product of the row with the updated column would.
+    // Terms go out in groups: the rows of a group are finished one by one, each passing its term
+    // to the later rows of the group, and then the group's terms reach all rows below it in one
+    // pass, in the same order.
     double *column = columns[j];
     std::copy(column, column + m, scratch);
     std::fill(column, column + m, 0.0);
     const int triangle = std::min(j, m);
-    for (int k = 0; k < triangle; ++k) {
-        const double value = scratch[k] - column[k];
-        scratch[k] = value;
-        column[k] = value;
-        tarn::linalg::addScaled(column + k + 1, columns[k] + k + 1, value, m - k - 1);
+    const double *sources[tarn::linalg::kMaxTerms];
+    double values[tarn::linalg::kMaxTerms];
+    for (int first = 0; first < triangle; first += tarn::linalg::kMaxTerms) {
+        const int terms = std::min(tarn::linalg::kMaxTerms, triangle - first);
+        const int below = first + terms;
+        for (int t = 0; t < terms; ++t) {
+            const int k = first + t;
+            const double value = scratch[k] - column[k];
+            scratch[k] = value;
+            column[k] = value;
+            for (int i = k + 1; i < below; ++i) {
+                column[i] += columns[k][i] * value;
+            }
+            sources[t] = columns[k] + below;
+            values[t] = value;
+        }
+        tarn::linalg::addScaledTerms(column + below, sources, values, terms, m - below);
     }
     for (int i = j; i < m; ++i) {
         scratch[i] -= column[i];

@@ -143,9 +143,13 @@ void multiplyPortable(const double *a, const double *b, double *c, int m, int p,
     multiplyWith(panelKernelPortable, a, b, c, m, p, n);
 }
 
-void addScaledPortable(double *y, const double *x, double factor, int count) {
+void addScaledTermsPortable(double *y, const double *const *x, const double *factors, int terms, int count) {
     for (int i = 0; i < count; ++i) {
-        y[i] += x[i] * factor;
+        double sum = y[i];
+        for (int t = 0; t < terms; ++t) {
+            sum += x[t][i] * factors[t];
+        }
+        y[i] = sum;
     }
 }
 
@@ -154,17 +158,26 @@ void multiplyAvx2(const double *a, const double *b, double *c, int m, int p, int
     multiplyWith(panelKernelAvx2, a, b, c, m, p, n);
 }
 
-TARN_TARGET_AVX2 void addScaledAvx2(double *y, const double *x, double factor, int count) {
-    const __m256d scale = _mm256_set1_pd(factor);
+// Four elements of y per register; the terms are added to each register in order.
+TARN_TARGET_AVX2 void addScaledTermsAvx2(double *y, const double *const *x, const double *factors, int terms,
+                                         int count) {
+    // The factors are broadcast from memory on each use: no vector array lives on the stack, whose
+    // 32-byte alignment not every target's compiler can guarantee.
     int i = 0;
-    for (; i + 8 <= count; i += 8) {
-        const __m256d first = _mm256_mul_pd(_mm256_loadu_pd(x + i), scale);
-        const __m256d second = _mm256_mul_pd(_mm256_loadu_pd(x + i + 4), scale);
-        _mm256_storeu_pd(y + i, _mm256_add_pd(_mm256_loadu_pd(y + i), first));
-        _mm256_storeu_pd(y + i + 4, _mm256_add_pd(_mm256_loadu_pd(y + i + 4), second));
+    for (; i + 4 <= count; i += 4) {
+        __m256d sum = _mm256_loadu_pd(y + i);
+        for (int t = 0; t < terms; ++t) {
+            sum = _mm256_add_pd(sum,
+                                _mm256_mul_pd(_mm256_loadu_pd(x[t] + i), _mm256_broadcast_sd(factors + t)));
+        }
+        _mm256_storeu_pd(y + i, sum);
     }
     for (; i < count; ++i) {
-        y[i] += x[i] * factor;
+        double sum = y[i];
+        for (int t = 0; t < terms; ++t) {
+            sum += x[t][i] * factors[t];
+        }
+        y[i] = sum;
     }
 }
 
@@ -180,8 +193,8 @@ void multiplyAvx2(const double *a, const double *b, double *c, int m, int p, int
     multiplyPortable(a, b, c, m, p, n);
 }
 
-void addScaledAvx2(double *y, const double *x, double factor, int count) {
-    addScaledPortable(y, x, factor, count);
+void addScaledTermsAvx2(double *y, const double *const *x, const double *factors, int terms, int count) {
+    addScaledTermsPortable(y, x, factors, terms, count);
 }
 
 bool hasAvx2() {
@@ -197,12 +210,16 @@ void multiply(const double *a, const double *b, double *c, int m, int p, int n) 
     }
 }
 
-void addScaled(double *y, const double *x, double factor, int count) {
+void addScaledTerms(double *y, const double *const *x, const double *factors, int terms, int count) {
     if (hasAvx2()) {
-        addScaledAvx2(y, x, factor, count);
+        addScaledTermsAvx2(y, x, factors, terms, count);
     } else {
-        addScaledPortable(y, x, factor, count);
+        addScaledTermsPortable(y, x, factors, terms, count);
     }
+}
+
+void addScaled(double *y, const double *x, double factor, int count) {
+    addScaledTerms(y, &x, &factor, 1, count);
 }
 
 } // namespace linalg

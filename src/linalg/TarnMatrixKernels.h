@@ -21,14 +21,22 @@ void multiplyPortable(const double *a, const double *b, double *c, int m, int p,
 /// `multiply` on the AVX2 path; call it only when `hasAvx2` is true.
 void multiplyAvx2(const double *a, const double *b, double *c, int m, int p, int n);
 
-/// Adds x[i] * factor to y[i] for i below count, one multiply and one add per element.
+/// The most terms that one `addScaledTerms` call takes.
+constexpr int kMaxTerms = 4;
+
+/// Adds x[t][i] * factors[t] to y[i] for t from 0 to terms - 1 in that order, for i below count:
+/// per element one multiply and one add per term, exactly as `terms` successive passes would do,
+/// but with y read and written once. terms lies between 1 and kMaxTerms.
+void addScaledTerms(double *y, const double *const *x, const double *factors, int terms, int count);
+
+/// `addScaledTerms` on the portable path.
+void addScaledTermsPortable(double *y, const double *const *x, const double *factors, int terms, int count);
+
+/// `addScaledTerms` on the AVX2 path; call it only when `hasAvx2` is true.
+void addScaledTermsAvx2(double *y, const double *const *x, const double *factors, int terms, int count);
+
+/// Adds x[i] * factor to y[i] for i below count: `addScaledTerms` with one term.
 void addScaled(double *y, const double *x, double factor, int count);
-
-/// `addScaled` on the portable path.
-void addScaledPortable(double *y, const double *x, double factor, int count);
-
-/// `addScaled` on the AVX2 path; call it only when `hasAvx2` is true.
-void addScaledAvx2(double *y, const double *x, double factor, int count);
 
 /// Returns true when the AVX2 kernels can run on this processor (and the build has them).
 bool hasAvx2();

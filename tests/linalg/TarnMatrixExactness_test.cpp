@@ -210,25 +210,38 @@ TEST_F(TarnMatrixExactnessTest, ProductKernelsGiveThePlainLoopBits) {
 TEST_F(TarnMatrixExactnessTest, ScaledRowUpdateKernelsGiveThePlainLoopBits) {
     std::uniform_real_distribution<double> uniform(-1.0, 1.0);
     for (int count : {0, 1, 3, 7, 8, 17, 64, 129}) {
-        SCOPED_TRACE(testing::Message() << "seed " << kSeed << ", count " << count);
-        Values x(static_cast<std::size_t>(count));
-        Values y(static_cast<std::size_t>(count));
-        for (int i = 0; i < count; ++i) {
-            x[i] = uniform(generator);
-            y[i] = uniform(generator);
-        }
-        const double factor = uniform(generator);
-        Values expected = y;
-        for (int i = 0; i < count; ++i) {
-            expected[i] += x[i] * factor;
-        }
-        Values portable = y;
-        tarn::linalg::addScaledPortable(portable.data(), x.data(), factor, count);
-        EXPECT_TRUE(sameBits(portable, expected));
-        if (tarn::linalg::hasAvx2()) {
-            Values vector = y;
-            tarn::linalg::addScaledAvx2(vector.data(), x.data(), factor, count);
-            EXPECT_TRUE(sameBits(vector, expected));
+        for (int terms = 1; terms <= tarn::linalg::kMaxTerms; ++terms) {
+            SCOPED_TRACE(testing::Message()
+                         << "seed " << kSeed << ", count " << count << ", terms " << terms);
+            std::vector<Values> x(static_cast<std::size_t>(terms), Values(static_cast<std::size_t>(count)));
+            Values y(static_cast<std::size_t>(count));
+            Values factors(static_cast<std::size_t>(terms));
+            const double *sources[tarn::linalg::kMaxTerms] = {};
+            for (int t = 0; t < terms; ++t) {
+                for (double &value : x[t]) {
+                    value = uniform(generator);
+                }
+                factors[t] = uniform(generator);
+                sources[t] = x[t].data();
+            }
+            for (double &value : y) {
+                value = uniform(generator);
+            }
+            // One plain pass per term.
+            Values expected = y;
+            for (int t = 0; t < terms; ++t) {
+                for (int i = 0; i < count; ++i) {
+                    expected[i] += x[t][i] * factors[t];
+                }
+            }
+            Values portable = y;
+            tarn::linalg::addScaledTermsPortable(portable.data(), sources, factors.data(), terms, count);
+            EXPECT_TRUE(sameBits(portable, expected));
+            if (tarn::linalg::hasAvx2()) {
+                Values vector = y;
+                tarn::linalg::addScaledTermsAvx2(vector.data(), sources, factors.data(), terms, count);
+                EXPECT_TRUE(sameBits(vector, expected));
+            }
         }
     }
 }
