@@ -1,8 +1,6 @@
 // The LU factorization with partial pivoting and the substitution passes against it.
 #include "linalg/TarnLUDecomposition.h"
 
-#include "linalg/TarnMatrixKernels.h"
-
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -13,70 +11,104 @@ TarnLUDecomposition::TarnLUDecomposition(const TarnMatrix &matrix)
       pivots(new std::int32_t[static_cast<std::size_t>(matrix.nRows())]) {
     matrix.transpose(columns);
     std::iota(pivots.get(), pivots.get() + m, 0);
-    std::unique_ptr<double[]> scratch(new double[static_cast<std::size_t>(m)]);
-    for (int j = 0; j < n; ++j) {
-        updateColumn(j, scratch.get());
-        if (j >= m) {
-            continue;
+    const std::size_t height = static_cast<std::size_t>(m);
+    std::unique_ptr<double[]> scratch(new double[height * tarn::linalg::kMaxTargets]);
+    for (int first = 0; first < n; first += tarn::linalg::kMaxTargets) {
+        ColumnBlock block;
+        block.first = first;
+        block.count = std::min(tarn::linalg::kMaxTargets, n - first);
+        for (int c = 0; c < block.count; ++c) {
+            double *column = columns[first + c];
+            block.former[c] = scratch.get() + height * static_cast<std::size_t>(c);
+            std::copy(column, column + m, block.former[c]);
+            std::fill(column, column + m, 0.0);
         }
-        // Find the pivot: the first row of strictly greatest magnitude; a NaN never wins.
-        int pivot = j;
-        for (int i = j + 1; i < m; ++i) {
-            if (std::fabs(scratch[pivot]) < std::fabs(scratch[i])) {
-                pivot = i;
-            }
-        }
-        if (pivot != j) {
-            exchangeRows(pivot, j);
-        }
-        // Divide the column below the diagonal by the pivot; an exact zero pivot skips this.
-        double *column = columns[j];
-        if (column[j] != 0.0) {
-            for (int i = j + 1; i < m; ++i) {
-                column[i] /= column[j];
-            }
+        // The terms of the rows above the block are final for every column of it.
+        addTerms(block, 0, block.count, 0, std::min(first, m));
+        for (int c = 0; c < block.count; ++c) {
+            finishColumn(block, c);
         }
     }
 }
 
-void TarnLUDecomposition::updateColumn(int j, double *scratch) {
-    // The column's own storage holds the running sums while scratch holds its former values.
-    // Term k reaches every row below k as soon as row k is final, so each row's sum still grows
-    // in rising k from 0.0, exactly as a dot product of the row with the updated column would.
-    // Terms go out in groups: the rows of a group are finished one by one, each passing its term
-    // to the later rows of the group, and then the group's terms reach all rows below it in one
-    // pass, in the same order.
-    double *column = columns[j];
-    std::copy(column, column + m, scratch);
-    std::fill(column, column + m, 0.0);
-    const int triangle = std::min(j, m);
-    const double *sources[tarn::linalg::kMaxTerms];
-    double values[tarn::linalg::kMaxTerms];
-    for (int first = 0; first < triangle; first += tarn::linalg::kMaxTerms) {
-        const int terms = std::min(tarn::linalg::kMaxTerms, triangle - first);
-        const int below = first + terms;
+void TarnLUDecomposition::addTerms(const ColumnBlock &block, int firstTarget, int targets, int kBegin,
+                                   int kEnd) {
+    // Row k of a column is final once it has the terms of all rows above it: its new value is its
+    // former value minus its running sum. Term k (L(i, k) times that value) then goes to every row
+    // below, so that each row's sum grows in rising k from 0.0, exactly as the dot product of the
+    // row with the updated column would. Terms go out in groups: the rows of a group are finished
+    // one by one, each passing its term to the later rows of the group, and then the group's
+    // terms reach all rows below it in one pass, in the same order.
+    double *sums[tarn::linalg::kMaxTargets] = {};
+    for (int c = 0; c < targets; ++c) {
+        sums[c] = columns[block.first + firstTarget + c];
+    }
+    const double *sources[tarn::linalg::kMaxTerms] = {};
+    double values[tarn::linalg::kMaxTargets * tarn::linalg::kMaxTerms] = {};
+    for (int groupStart = kBegin; groupStart < kEnd; groupStart += tarn::linalg::kMaxTerms) {
+        const int terms = std::min(tarn::linalg::kMaxTerms, kEnd - groupStart);
+        const int below = groupStart + terms;
         for (int t = 0; t < terms; ++t) {
-            const int k = first + t;
-            const double value = scratch[k] - column[k];
-            scratch[k] = value;
-            column[k] = value;
-            for (int i = k + 1; i < below; ++i) {
-                column[i] += columns[k][i] * value;
+            const int k = groupStart + t;
+            const double *multipliers = columns[k];
+            for (int c = 0; c < targets; ++c) {
+                double *former = block.former[firstTarget + c];
+                const double value = former[k] - sums[c][k];
+                former[k] = value;
+                sums[c][k] = value;
+                for (int i = k + 1; i < below; ++i) {
+                    sums[c][i] += multipliers[i] * value;
+                }
+                values[c * tarn::linalg::kMaxTerms + t] = value;
             }
-            sources[t] = columns[k] + below;
-            values[t] = value;
+            sources[t] = multipliers + below;
         }
-        tarn::linalg::addScaledTerms(column + below, sources, values, terms, m - below);
-    }
-    for (int i = j; i < m; ++i) {
-        scratch[i] -= column[i];
-        column[i] = scratch[i];
+        double *targetRows[tarn::linalg::kMaxTargets] = {};
+        for (int c = 0; c < targets; ++c) {
+            targetRows[c] = sums[c] + below;
+        }
+        tarn::linalg::addScaledTerms(targetRows, targets, sources, values, terms, m - below);
     }
 }
 
-void TarnLUDecomposition::exchangeRows(int first, int second) {
+void TarnLUDecomposition::finishColumn(ColumnBlock &block, int index) {
+    const int j = block.first + index;
+    // The rows of the block above j are final by now: their terms complete the triangle.
+    addTerms(block, index, 1, std::min(block.first, m), std::min(j, m));
+    double *column = columns[j];
+    double *former = block.former[index];
+    for (int i = j; i < m; ++i) {
+        former[i] -= column[i];
+        column[i] = former[i];
+    }
+    if (j >= m) {
+        return;
+    }
+    // Find the pivot: the first row of strictly greatest magnitude; a NaN never wins.
+    int pivot = j;
+    for (int i = j + 1; i < m; ++i) {
+        if (std::fabs(column[pivot]) < std::fabs(column[i])) {
+            pivot = i;
+        }
+    }
+    if (pivot != j) {
+        exchangeRows(block, pivot, j);
+    }
+    // Divide the column below the diagonal by the pivot; an exact zero pivot skips this.
+    if (column[j] != 0.0) {
+        for (int i = j + 1; i < m; ++i) {
+            column[i] /= column[j];
+        }
+    }
+}
+
+void TarnLUDecomposition::exchangeRows(ColumnBlock &block, int first, int second) {
     for (int col = 0; col < n; ++col) {
         std::swap(columns[col][first], columns[col][second]);
+    }
+    // The columns of the block still hold sums in their storage; their values move here.
+    for (int c = 0; c < block.count; ++c) {
+        std::swap(block.former[c][first], block.former[c][second]);
     }
     std::swap(pivots[first], pivots[second]);
 }

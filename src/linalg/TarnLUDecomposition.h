@@ -1,6 +1,7 @@
 // Internal: the LU factorization with partial pivoting behind TarnMatrix::solve and invert.
 #pragma once
 
+#include "linalg/TarnMatrixKernels.h"
 #include "tarn/linalg/TarnMatrix.h"
 
 #include <cstdint>
@@ -14,10 +15,13 @@
 ///
 /// The factors are kept column by column: row j of `columns` is column j of the factorization (L's
 /// multipliers below the diagonal, U on and above it), so that the column being updated and every
-/// column of L that updates it are contiguous. A local object of one call; one thread.
+/// column of L that updates it are contiguous. Columns are updated four at a time: the terms that
+/// all four need are added in one pass over L, and each column is then finished in order. A
+/// column's storage holds its running sums while its former values wait in the scratch block, one
+/// run of m doubles per column of the block. A local object of one call; one thread.
 class TarnLUDecomposition {
 public:
-    /// Factorizes `matrix`. Allocates the factors, m pivot indices, and one scratch column of m
+    /// Factorizes `matrix`. Allocates the factors, m pivot indices, and one scratch block of 4 x m
     /// doubles that is released before the constructor returns.
     explicit TarnLUDecomposition(const TarnMatrix &matrix);
 
@@ -30,12 +34,24 @@ public:
     const std::int32_t *getPivots() const { return pivots.get(); }
 
 private:
+    /// The columns first .. first + count - 1 under way: their storage holds running sums, and
+    /// former[c] the values of column first + c that are not final yet.
+    struct ColumnBlock {
+        int first = 0;
+        int count = 0;
+        double *former[tarn::linalg::kMaxTargets] = {};
+    };
+
     // Element (row, col) of the factors.
     double factor(int row, int col) const { return columns[col][row]; }
-    // Updates column j of the factors and leaves its new values in scratch.
-    void updateColumn(int j, double *scratch);
-    // Exchanges rows first and second of the factors over all columns, and their pivot entries.
-    void exchangeRows(int first, int second);
+    // Makes rows kBegin .. kEnd - 1 final in columns block.first + firstTarget and on (targets of
+    // them), each row passing its term to every later row of those columns.
+    void addTerms(const ColumnBlock &block, int firstTarget, int targets, int kBegin, int kEnd);
+    // Finishes column block.first + index: its own terms, pivot, exchange and division.
+    void finishColumn(ColumnBlock &block, int index);
+    // Exchanges rows first and second of the factors over all columns, of the former values of the
+    // block, and their pivot entries.
+    void exchangeRows(ColumnBlock &block, int first, int second);
 
     int m = 0;
     int n = 0;

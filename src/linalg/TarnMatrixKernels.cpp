@@ -143,13 +143,18 @@ void multiplyPortable(const double *a, const double *b, double *c, int m, int p,
     multiplyWith(panelKernelPortable, a, b, c, m, p, n);
 }
 
-void addScaledTermsPortable(double *y, const double *const *x, const double *factors, int terms, int count) {
-    for (int i = 0; i < count; ++i) {
-        double sum = y[i];
-        for (int t = 0; t < terms; ++t) {
-            sum += x[t][i] * factors[t];
+void addScaledTermsPortable(double *const *y, int targets, const double *const *x, const double *factors,
+                            int terms, int count) {
+    for (int c = 0; c < targets; ++c) {
+        double *row = y[c];
+        const double *rowFactors = factors + c * kMaxTerms;
+        for (int i = 0; i < count; ++i) {
+            double sum = row[i];
+            for (int t = 0; t < terms; ++t) {
+                sum += x[t][i] * rowFactors[t];
+            }
+            row[i] = sum;
         }
-        y[i] = sum;
     }
 }
 
@@ -158,27 +163,64 @@ void multiplyAvx2(const double *a, const double *b, double *c, int m, int p, int
     multiplyWith(panelKernelAvx2, a, b, c, m, p, n);
 }
 
-// Four elements of y per register; the terms are added to each register in order.
-TARN_TARGET_AVX2 void addScaledTermsAvx2(double *y, const double *const *x, const double *factors, int terms,
-                                         int count) {
-    // The factors are broadcast from memory on each use: no vector array lives on the stack, whose
-    // 32-byte alignment not every target's compiler can guarantee.
+namespace {
+
+// Four elements of each target per register: each x[t] run is loaded once and used for every
+// target, and each target's register receives the terms in order. The counts are template
+// arguments, so that the loops unroll and the small arrays below live in registers only.
+template <int Targets, int Terms>
+TARN_TARGET_AVX2 void addTermsAvx2(double *const *y, const double *const *x, const double *factors,
+                                   int count) {
     int i = 0;
     for (; i + 4 <= count; i += 4) {
-        __m256d sum = _mm256_loadu_pd(y + i);
-        for (int t = 0; t < terms; ++t) {
-            sum = _mm256_add_pd(sum,
-                                _mm256_mul_pd(_mm256_loadu_pd(x[t] + i), _mm256_broadcast_sd(factors + t)));
+        __m256d sources[Terms];
+#pragma GCC unroll 4
+        for (int t = 0; t < Terms; ++t) {
+            sources[t] = _mm256_loadu_pd(x[t] + i);
         }
-        _mm256_storeu_pd(y + i, sum);
-    }
-    for (; i < count; ++i) {
-        double sum = y[i];
-        for (int t = 0; t < terms; ++t) {
-            sum += x[t][i] * factors[t];
+#pragma GCC unroll 4
+        for (int c = 0; c < Targets; ++c) {
+            __m256d sum = _mm256_loadu_pd(y[c] + i);
+#pragma GCC unroll 4
+            for (int t = 0; t < Terms; ++t) {
+                const __m256d factor = _mm256_broadcast_sd(factors + c * kMaxTerms + t);
+                sum = _mm256_add_pd(sum, _mm256_mul_pd(sources[t], factor));
+            }
+            _mm256_storeu_pd(y[c] + i, sum);
         }
-        y[i] = sum;
     }
+    if (i < count) {
+        const double *tails[kMaxTerms] = {};
+        double *tailTargets[kMaxTargets] = {};
+        for (int t = 0; t < Terms; ++t) {
+            tails[t] = x[t] + i;
+        }
+        for (int c = 0; c < Targets; ++c) {
+            tailTargets[c] = y[c] + i;
+        }
+        addScaledTermsPortable(tailTargets, Targets, tails, factors, Terms, count - i);
+    }
+}
+
+using TermsKernel = void (*)(double *const *y, const double *const *x, const double *factors, int count);
+
+template <int Targets>
+constexpr TermsKernel termsKernel(int terms) {
+    return terms == 1   ? addTermsAvx2<Targets, 1>
+           : terms == 2 ? addTermsAvx2<Targets, 2>
+           : terms == 3 ? addTermsAvx2<Targets, 3>
+                        : addTermsAvx2<Targets, 4>;
+}
+
+} // namespace
+
+void addScaledTermsAvx2(double *const *y, int targets, const double *const *x, const double *factors,
+                        int terms, int count) {
+    const TermsKernel kernel = targets == 1   ? termsKernel<1>(terms)
+                               : targets == 2 ? termsKernel<2>(terms)
+                               : targets == 3 ? termsKernel<3>(terms)
+                                              : termsKernel<4>(terms);
+    kernel(y, x, factors, count);
 }
 
 bool hasAvx2() {
@@ -193,8 +235,9 @@ void multiplyAvx2(const double *a, const double *b, double *c, int m, int p, int
     multiplyPortable(a, b, c, m, p, n);
 }
 
-void addScaledTermsAvx2(double *y, const double *const *x, const double *factors, int terms, int count) {
-    addScaledTermsPortable(y, x, factors, terms, count);
+void addScaledTermsAvx2(double *const *y, int targets, const double *const *x, const double *factors,
+                        int terms, int count) {
+    addScaledTermsPortable(y, targets, x, factors, terms, count);
 }
 
 bool hasAvx2() {
@@ -210,16 +253,18 @@ void multiply(const double *a, const double *b, double *c, int m, int p, int n) 
     }
 }
 
-void addScaledTerms(double *y, const double *const *x, const double *factors, int terms, int count) {
+void addScaledTerms(double *const *y, int targets, const double *const *x, const double *factors, int terms,
+                    int count) {
     if (hasAvx2()) {
-        addScaledTermsAvx2(y, x, factors, terms, count);
+        addScaledTermsAvx2(y, targets, x, factors, terms, count);
     } else {
-        addScaledTermsPortable(y, x, factors, terms, count);
+        addScaledTermsPortable(y, targets, x, factors, terms, count);
     }
 }
 
 void addScaled(double *y, const double *x, double factor, int count) {
-    addScaledTerms(y, &x, &factor, 1, count);
+    const double factors[kMaxTerms] = {factor};
+    addScaledTerms(&y, 1, &x, factors, 1, count);
 }
 
 } // namespace linalg

@@ -21,21 +21,27 @@ void multiplyPortable(const double *a, const double *b, double *c, int m, int p,
 /// `multiply` on the AVX2 path; call it only when `hasAvx2` is true.
 void multiplyAvx2(const double *a, const double *b, double *c, int m, int p, int n);
 
-/// The most terms that one `addScaledTerms` call takes.
+/// The most terms and the most targets that one `addScaledTerms` call takes.
 constexpr int kMaxTerms = 4;
+constexpr int kMaxTargets = 4;
 
-/// Adds x[t][i] * factors[t] to y[i] for t from 0 to terms - 1 in that order, for i below count:
-/// per element one multiply and one add per term, exactly as `terms` successive passes would do,
-/// but with y read and written once. terms lies between 1 and kMaxTerms.
-void addScaledTerms(double *y, const double *const *x, const double *factors, int terms, int count);
+/// For each target c below `targets` and each i below count, adds x[t][i] * factors[c * kMaxTerms
+/// + t] to y[c][i] for t from 0 to terms - 1 in that order: per element one multiply and one add
+/// per term, exactly as terms x targets successive plain passes would do, but with each x[t] read
+/// once for all targets and each y[c] read and written once. terms lies in 1 .. kMaxTerms and
+/// targets in 1 .. kMaxTargets; the y rows must not overlap the x rows.
+void addScaledTerms(double *const *y, int targets, const double *const *x, const double *factors, int terms,
+                    int count);
 
 /// `addScaledTerms` on the portable path.
-void addScaledTermsPortable(double *y, const double *const *x, const double *factors, int terms, int count);
+void addScaledTermsPortable(double *const *y, int targets, const double *const *x, const double *factors,
+                            int terms, int count);
 
 /// `addScaledTerms` on the AVX2 path; call it only when `hasAvx2` is true.
-void addScaledTermsAvx2(double *y, const double *const *x, const double *factors, int terms, int count);
+void addScaledTermsAvx2(double *const *y, int targets, const double *const *x, const double *factors,
+                        int terms, int count);
 
-/// Adds x[i] * factor to y[i] for i below count: `addScaledTerms` with one term.
+/// Adds x[i] * factor to y[i] for i below count: `addScaledTerms` with one target and one term.
 void addScaled(double *y, const double *x, double factor, int count);
 
 /// Returns true when the AVX2 kernels can run on this processor (and the build has them).

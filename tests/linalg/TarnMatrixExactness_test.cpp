@@ -208,39 +208,54 @@ TEST_F(TarnMatrixExactnessTest, ProductKernelsGiveThePlainLoopBits) {
 }
 
 TEST_F(TarnMatrixExactnessTest, ScaledRowUpdateKernelsGiveThePlainLoopBits) {
+    using tarn::linalg::kMaxTargets;
+    using tarn::linalg::kMaxTerms;
     std::uniform_real_distribution<double> uniform(-1.0, 1.0);
+    const auto fill = [&](Values &values) {
+        for (double &value : values) {
+            value = uniform(generator);
+        }
+    };
     for (int count : {0, 1, 3, 7, 8, 17, 64, 129}) {
-        for (int terms = 1; terms <= tarn::linalg::kMaxTerms; ++terms) {
-            SCOPED_TRACE(testing::Message()
-                         << "seed " << kSeed << ", count " << count << ", terms " << terms);
-            std::vector<Values> x(static_cast<std::size_t>(terms), Values(static_cast<std::size_t>(count)));
-            Values y(static_cast<std::size_t>(count));
-            Values factors(static_cast<std::size_t>(terms));
-            const double *sources[tarn::linalg::kMaxTerms] = {};
-            for (int t = 0; t < terms; ++t) {
-                for (double &value : x[t]) {
-                    value = uniform(generator);
+        for (int targets = 1; targets <= kMaxTargets; ++targets) {
+            for (int terms = 1; terms <= kMaxTerms; ++terms) {
+                SCOPED_TRACE(testing::Message() << "seed " << kSeed << ", count " << count << ", " << targets
+                                                << " targets, " << terms << " terms");
+                std::vector<Values> x(kMaxTerms, Values(static_cast<std::size_t>(count)));
+                std::vector<Values> y(kMaxTargets, Values(static_cast<std::size_t>(count)));
+                Values factors(kMaxTargets * kMaxTerms);
+                for (Values &values : x) {
+                    fill(values);
                 }
-                factors[t] = uniform(generator);
-                sources[t] = x[t].data();
-            }
-            for (double &value : y) {
-                value = uniform(generator);
-            }
-            // One plain pass per term.
-            Values expected = y;
-            for (int t = 0; t < terms; ++t) {
-                for (int i = 0; i < count; ++i) {
-                    expected[i] += x[t][i] * factors[t];
+                for (Values &values : y) {
+                    fill(values);
                 }
-            }
-            Values portable = y;
-            tarn::linalg::addScaledTermsPortable(portable.data(), sources, factors.data(), terms, count);
-            EXPECT_TRUE(sameBits(portable, expected));
-            if (tarn::linalg::hasAvx2()) {
-                Values vector = y;
-                tarn::linalg::addScaledTermsAvx2(vector.data(), sources, factors.data(), terms, count);
-                EXPECT_TRUE(sameBits(vector, expected));
+                fill(factors);
+                const double *sources[kMaxTerms] = {x[0].data(), x[1].data(), x[2].data(), x[3].data()};
+                // One plain pass per target and term.
+                std::vector<Values> expected = y;
+                for (int c = 0; c < targets; ++c) {
+                    for (int t = 0; t < terms; ++t) {
+                        for (int i = 0; i < count; ++i) {
+                            expected[c][i] += x[t][i] * factors[c * kMaxTerms + t];
+                        }
+                    }
+                }
+                using Kernel =
+                    void (*)(double *const *, int, const double *const *, const double *, int, int);
+                std::vector<Kernel> kernels = {tarn::linalg::addScaledTermsPortable};
+                if (tarn::linalg::hasAvx2()) {
+                    kernels.push_back(tarn::linalg::addScaledTermsAvx2);
+                }
+                for (Kernel kernel : kernels) {
+                    std::vector<Values> result = y;
+                    double *targetRows[kMaxTargets] = {result[0].data(), result[1].data(), result[2].data(),
+                                                       result[3].data()};
+                    kernel(targetRows, targets, sources, factors.data(), terms, count);
+                    for (int c = 0; c < kMaxTargets; ++c) {
+                        EXPECT_TRUE(sameBits(result[c], expected[c])) << "target " << c;
+                    }
+                }
             }
         }
     }
