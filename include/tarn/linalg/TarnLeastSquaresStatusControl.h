@@ -17,13 +17,16 @@ public:
     /// Sets the defaults: maxIters 100, rejectionMultiplier 3.0, rejectionLimit 100.0, every
     /// other number 0 and every flag false.
     TarnLeastSquaresStatusControl() = default;
+    /// Copies every field of `other`, the flags and the abort request included.
     TarnLeastSquaresStatusControl(const TarnLeastSquaresStatusControl &other) = default;
     /// Copies every field of `other`, the flags and the abort request included.
     TarnLeastSquaresStatusControl &operator=(const TarnLeastSquaresStatusControl &other) = default;
     ~TarnLeastSquaresStatusControl() override;
 
     using TarnObject::isa;
+    /// Returns true exactly for "TarnLeastSquaresStatusControl".
     bool isa(const std::string &name) const override;
+    /// Returns "TarnLeastSquaresStatusControl".
     std::string getClassName() const override;
 
     /// Returns the current iteration number.

@@ -10,6 +10,7 @@
 class TARN_API TarnMath {
 public:
     TarnMath() = default;
+    /// Copies nothing: the class has no state.
     TarnMath(const TarnMath &) = default;
     ~TarnMath() = default;
     /// Changes nothing and returns this object.

@@ -38,7 +38,9 @@ public:
     ~TarnMatrix() override;
 
     using TarnObject::isa;
+    /// Returns true exactly for "TarnMatrix"; base class names do not match.
     bool isa(const std::string &name) const override;
+    /// Returns "TarnMatrix".
     std::string getClassName() const override;
     /// Stores the base tokens, then "rows" and "cols" by "%d" and "data", the rows x cols
     /// elements in row-major order.

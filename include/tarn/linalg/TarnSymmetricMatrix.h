@@ -94,10 +94,15 @@ protected:
         return rowTable[row] + (isUpperStorage() ? col - row : col);
     }
 
+    /// The order n.
     std::int32_t rows = 0;
+    /// Equal to rows in every sized matrix.
     std::int32_t cols = 0;
-    double *elements = nullptr;  // packed block of n x (n + 1) / 2 doubles
-    double **rowTable = nullptr; // rowTable[i] points at the first stored element of row i
+    /// The packed block of n x (n + 1) / 2 doubles; null until sized.
+    double *elements = nullptr;
+    /// n entries; entry i points at the first stored element of row i. Null until sized.
+    double **rowTable = nullptr;
+    /// 0 for upper storage, anything else for lower storage.
     std::int32_t storage = 0;
 
 private:
