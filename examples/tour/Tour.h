@@ -2,4 +2,5 @@
 #pragma once
 
 void tourFoundation();
+void tourSerialization();
 void tourLinalg();

@@ -6,6 +6,7 @@
 int main() {
     std::printf("Tarn tour\n");
     tourFoundation();
+    tourSerialization();
     tourLinalg();
     return 0;
 }

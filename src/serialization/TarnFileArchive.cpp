@@ -2,15 +2,14 @@
 #include "tarn/serialization/TarnFileArchive.h"
 
 #include "serialization/TarnRestoreSequence.h"
+#include "serialization/TarnSectionWalk.h"
 #include "tarn/serialization/TarnSerializable.h"
 #include "tarn/system/TarnTextFile.h"
 
 #include <algorithm>
-#include <cstring>
 #include <fstream>
 #include <string>
 #include <utility>
-#include <vector>
 
 namespace {
 
@@ -88,44 +87,33 @@ void TarnFileArchive::writeSection(TarnArchive &section) {
     if (textFile == nullptr) {
         return;
     }
-    // Depth-first with an explicit stack of (node, next child index), so that the depth of the
-    // tree costs no stack. Each section is its head and "{" lines, its token lines with one more
-    // tab, its children one level deeper, and its "}" line; the indentation starts at the current
-    // section depth (none when that is negative, after an unbalanced parse).
+    // Each section is its head and "{" lines, one line per token with one more tab, its children
+    // one level deeper, and its "}" line. The indentation starts at the current section depth,
+    // and at none while that is negative (after a parse of a text with surplus "}").
     TarnString line;
-    auto writeIndented = [this, &line](const char *content, std::size_t length, std::int64_t depth) {
+    auto startLine = [&line](std::int64_t depth) {
         line.assign(static_cast<std::size_t>(std::max<std::int64_t>(depth, 0)), '\t');
-        line.append(content, length);
-        textFile->writeLine(line);
     };
-    std::vector<std::pair<TarnArchive *, std::size_t>> stack;
-    auto enter = [&](TarnArchive &node) {
-        const TarnString &name = node.getName();
-        writeIndented(name.data(), name.size(), sectionDepth);
-        writeIndented("{", 1, sectionDepth);
-        for (auto &entry : node.getTokens()) {
-            line.assign(static_cast<std::size_t>(std::max<std::int64_t>(sectionDepth + 1, 0)), '\t');
-            line += entry.first;
-            line += '=';
-            const char *value = entry.second.getValue();
-            line.append(value, std::strlen(value));
-            line += ';';
+    tarn::walkSections(
+        section,
+        [&](TarnArchive &node) {
+            startLine(sectionDepth);
+            line += node.getName();
             textFile->writeLine(line);
-        }
-        ++sectionDepth;
-        stack.emplace_back(&node, 0);
-    };
-    enter(section);
-    while (!stack.empty()) {
-        TarnArchive *node = stack.back().first;
-        std::size_t &next = stack.back().second;
-        TarnVector<TarnArchive> &children = node->getChildren();
-        if (next < children.size()) {
-            enter(children[static_cast<unsigned int>(next++)]);
-        } else {
+            startLine(sectionDepth);
+            line += '{';
+            textFile->writeLine(line);
+            for (auto &entry : node.getTokens()) {
+                startLine(sectionDepth + 1);
+                tarn::appendTokenText(line, entry.first, entry.second);
+                textFile->writeLine(line);
+            }
+            ++sectionDepth;
+        },
+        [&](TarnArchive &) {
             --sectionDepth;
-            writeIndented("}", 1, sectionDepth);
-            stack.pop_back();
-        }
-    }
+            startLine(sectionDepth);
+            line += '}';
+            textFile->writeLine(line);
+        });
 }

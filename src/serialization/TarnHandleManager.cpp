@@ -21,7 +21,8 @@ TarnHandleManager &TarnHandleManager::operator=(const TarnHandleManager &other) 
 TarnHandleManager::~TarnHandleManager() = default;
 
 bool TarnHandleManager::registerPointers(TarnSerializable *oldPointer, TarnSerializable *newPointer) {
-    classNames.add(TarnString(newPointer->getClassName()));
+    // A null new object has no class to ask; its record is the empty name rather than a crash.
+    classNames.add(newPointer != nullptr ? TarnString(newPointer->getClassName()) : TarnString());
     oldPointers.add().pointer = oldPointer;
     newPointers.add().pointer = newPointer;
     sorted = false;

@@ -2,6 +2,7 @@
 #include "tarn/serialization/TarnStringArchive.h"
 
 #include "serialization/TarnRestoreSequence.h"
+#include "serialization/TarnSectionWalk.h"
 #include "tarn/serialization/TarnSerializable.h"
 
 #include <cstring>
@@ -139,33 +140,16 @@ void TarnStringArchive::parseSection(TarnArchive &section) {
 }
 
 void TarnStringArchive::appendSection(TarnArchive &section) {
-    // Depth-first with an explicit stack of (node, next child index): each section's name, "{"
-    // and tokens when it is entered, its "}" when its last child is done.
-    std::vector<std::pair<TarnArchive *, std::size_t>> stack;
-    auto enter = [this, &stack](TarnArchive &node) {
-        text += node.getName();
-        text += '{';
-        for (auto &entry : node.getTokens()) {
-            text += entry.first;
-            text += '=';
-            const char *value = entry.second.getValue();
-            text.append(value, std::strlen(value));
-            text += ';';
-        }
-        stack.emplace_back(&node, 0);
-    };
-    enter(section);
-    while (!stack.empty()) {
-        auto &[node, next] = stack.back();
-        TarnVector<TarnArchive> &children = node->getChildren();
-        if (next < children.size()) {
-            TarnArchive &child = children[static_cast<unsigned int>(next++)];
-            enter(child);
-        } else {
-            text += '}';
-            stack.pop_back();
-        }
-    }
+    tarn::walkSections(
+        section,
+        [this](TarnArchive &node) {
+            text += node.getName();
+            text += '{';
+            for (auto &entry : node.getTokens()) {
+                tarn::appendTokenText(text, entry.first, entry.second);
+            }
+        },
+        [this](TarnArchive &) { text += '}'; });
 }
 
 TarnString TarnStringArchive::getClassName() {

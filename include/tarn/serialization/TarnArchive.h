@@ -15,7 +15,9 @@ class TarnSerializable;
 /// prefix of another comes first, upper-case letters before lower-case ones. Transparent, so that
 /// a lookup by a text needs no temporary string.
 struct TarnTokenNameLess {
+    /// Marks the comparison as usable with any text type, for lookups without a temporary.
     using is_transparent = void;
+    /// Returns true when `left` sorts before `right`.
     bool operator()(std::string_view left, std::string_view right) const { return left < right; }
 };
 
@@ -80,12 +82,12 @@ public:
     void addDoublesToken(const char *name, const double *values, unsigned int count);
 
 protected:
-    TarnArchive *parent;
-    TarnVector<TarnArchive> children;
-    TarnTokenMap tokens;
-    TarnString name;
+    TarnArchive *parent;              ///< The node holding this one as a child; null at a root. Not owned.
+    TarnVector<TarnArchive> children; ///< The child sections in the order they were added; owned.
+    TarnTokenMap tokens;              ///< The section's tokens by name.
+    TarnString name;                  ///< The section's name; for a stored object its class name.
 
 private:
-    // Returns the token of this name, or null.
+    /// Returns the token of this name, or null.
     const TarnToken *findToken(const char *tokenName) const;
 };

@@ -41,5 +41,5 @@ public:
     void writeSection(TarnArchive &section);
 
 protected:
-    TarnTextFile *textFile;
+    TarnTextFile *textFile; ///< The file of the last writeFile, owned; null before the first.
 };

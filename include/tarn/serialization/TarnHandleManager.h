@@ -17,12 +17,15 @@ class TARN_API TarnHandleManager {
 public:
     /// Makes an empty, unsorted table.
     TarnHandleManager();
+    /// Copies the pairs, the class names and the sorted mark of `other`.
     TarnHandleManager(const TarnHandleManager &other);
+    /// Replaces this table by a copy of `other`.
     TarnHandleManager &operator=(const TarnHandleManager &other);
+    /// Releases the pairs and the class names.
     ~TarnHandleManager();
 
-    /// Appends the pair (`oldPointer`, `newPointer`) and the class name of `newPointer`, which must
-    /// be a live object; `oldPointer` may be anything, null included, and may repeat. The table is
+    /// Appends the pair (`oldPointer`, `newPointer`) and the class name of `newPointer` (the empty
+    /// name for null); `oldPointer` may be anything, null included, and may repeat. The table is
     /// unsorted afterwards. Returns true.
     bool registerPointers(TarnSerializable *oldPointer, TarnSerializable *newPointer);
     /// Returns the new address paired with `oldPointer`, or null when there is none. Sorts the
@@ -43,11 +46,13 @@ public:
     const TarnVector<TarnString> &getClassNames() const;
 
 private:
+    /// Sorts all pairs by old address when there are at least 2, and marks the table sorted.
     void sort();
+    /// Sorts the pairs `first` to `last` inclusive by old address, in place.
     void quickSort(int first, int last);
 
-    TarnVector<TarnPointer> newPointers;
-    TarnVector<TarnPointer> oldPointers;
-    TarnVector<TarnString> classNames;
-    bool sorted;
+    TarnVector<TarnPointer> newPointers; ///< The new address of each pair.
+    TarnVector<TarnPointer> oldPointers; ///< The old address of each pair, at the index of its new one.
+    TarnVector<TarnString> classNames;   ///< The class of every registration since construction.
+    bool sorted;                         ///< True when oldPointers is known to be in ascending order.
 };

@@ -23,7 +23,9 @@ public:
     /// Copies all three fields, the other object's identity included: the copy writes the other
     /// object's address as "this" until its resetPointers runs.
     TarnSerializable(const TarnSerializable &other);
+    /// Copies all three fields of `other`, as the copy constructor does.
     TarnSerializable &operator=(const TarnSerializable &other);
+    /// Releases nothing: the links do not own.
     ~TarnSerializable() override;
 
     using TarnObject::isa;
@@ -73,7 +75,7 @@ public:
     static int restoreCount;
 
 protected:
-    bool modified;
-    TarnSerializable *oldPointer;
-    TarnSerializable *parent;
+    bool modified;                ///< Set by setModified, cleared by every store and restore.
+    TarnSerializable *oldPointer; ///< The identity written as "this": the own address outside a restore.
+    TarnSerializable *parent;     ///< The owning object or null; a stored address during a restore.
 };

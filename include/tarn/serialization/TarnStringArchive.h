@@ -59,16 +59,16 @@ protected:
     /// Appends the text form of `section` and its subtree to `text`.
     void appendSection(TarnArchive &section);
 
-    // Grows the token buffer to take `length` bytes plus the NUL, losing its contents.
+    /// Grows the token buffer to take `length` bytes plus the NUL, losing its contents.
     void growTokenBuffer(std::size_t length);
-    // Adds the token held in the first `length` bytes of the token buffer to `section`.
+    /// Adds the token held in the first `length` bytes of the token buffer to `section`.
     void addBufferedToken(TarnArchive &section, std::size_t length);
 
-    TarnString text;
-    std::int64_t position;         // index in `text` of the next byte to look at
-    std::int64_t lastDelimiter;    // index of the last "{", "}" or ";" acted on; -1 before any
-    std::int64_t sectionDepth;     // sections open: the parser's nesting, the file writer's indentation
-    bool firstSection;             // true until the parser has met its first "{"
-    char *tokenBuffer;             // scratch space for one token's text, owned
-    std::size_t tokenBufferLength; // the longest text tokenBuffer takes, without the NUL
+    TarnString text;               ///< The text the parser reads and the string writer makes.
+    std::int64_t position;         ///< Index in `text` of the next byte to look at
+    std::int64_t lastDelimiter;    ///< Index of the last "{", "}" or ";" acted on; -1 before any
+    std::int64_t sectionDepth;     ///< Sections open: the parser's nesting, the file writer's indentation
+    bool firstSection;             ///< True until the parser has met its first "{"
+    char *tokenBuffer;             ///< Scratch space for one token's text, owned
+    std::size_t tokenBufferLength; ///< The longest text tokenBuffer takes, without the NUL
 };

@@ -19,17 +19,24 @@ class TARN_API TarnToken {
 public:
     /// Makes a token with empty text.
     TarnToken();
+    /// Copies the text of `other`.
     TarnToken(const TarnToken &other);
+    /// Takes over the text of `other`, which is left empty.
     TarnToken(TarnToken &&other) noexcept;
+    /// Replaces the text by a copy of the text of `other`.
     TarnToken &operator=(const TarnToken &other);
+    /// Replaces the text by the text of `other`, which is left empty.
     TarnToken &operator=(TarnToken &&other) noexcept;
+    /// Releases the text.
     ~TarnToken();
 
     /// Makes the text a copy of `value`; a null pointer leaves the old text.
     void setValue(const char *value);
     /// Makes the text "true" or "false".
     void setValue(bool value);
-    /// Makes the text `value` by "%.18e" (19 significant digits).
+    /// Makes the text `value` by "%.18e" (19 significant digits). Infinities and NaNs give
+    /// printf's texts "inf", "-inf", "nan" and "-nan", which read back as the same value (a NaN
+    /// keeps its sign, not its payload).
     void setValue(double value);
     /// Makes the text `value`, widened to double, by "%.8e" (9 significant digits).
     void setValue(float value);
@@ -88,5 +95,5 @@ public:
     void getInts(TarnArray<int> &values) const;
 
 private:
-    TarnString text;
+    TarnString text; ///< The whole state: the value as text.
 };

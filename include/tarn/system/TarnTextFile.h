@@ -39,5 +39,5 @@ public:
     int getMode() const;
 
 protected:
-    int mode;
+    int mode; ///< The mode passed to the constructor.
 };
