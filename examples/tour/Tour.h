@@ -3,7 +3,8 @@
 
 void tourFoundation();
 void tourSerialization();
+void tourLinalg();
 void tourConfig();
 void tourSystem();
-void tourCrypt();
 void tourConcurrency();
+void tourCrypt();

@@ -7,6 +7,7 @@ int main() {
     std::printf("Tarn tour\n");
     tourFoundation();
     tourSerialization();
+    tourLinalg();
     tourConfig();
     tourSystem();
     tourConcurrency();

@@ -15,6 +15,14 @@
 #include "tarn/serialization/TarnStringArchive.h"
 #include "tarn/serialization/TarnToken.h"
 
+#include "tarn/linalg/TarnBlockDiagonalMatrix.h"
+#include "tarn/linalg/TarnLeastSquaresStatusControl.h"
+#include "tarn/linalg/TarnLowerTriangularMatrix.h"
+#include "tarn/linalg/TarnMath.h"
+#include "tarn/linalg/TarnMatrix.h"
+#include "tarn/linalg/TarnSymmetricMatrix.h"
+#include "tarn/linalg/TarnUpperTriangularMatrix.h"
+
 #include "tarn/config/TarnINIFile.h"
 #include "tarn/config/TarnINIToken.h"
 
