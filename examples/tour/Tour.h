@@ -2,6 +2,9 @@
 #pragma once
 
 void tourFoundation();
+void tourSerialization();
+void tourLinalg();
+void tourConfig();
 void tourSystem();
-void tourCrypt();
 void tourConcurrency();
+void tourCrypt();

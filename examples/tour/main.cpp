@@ -6,8 +6,11 @@
 int main() {
     std::printf("Tarn tour\n");
     tourFoundation();
+    tourSerialization();
+    tourLinalg();
+    tourConfig();
     tourSystem();
-    tourCrypt();
     tourConcurrency();
+    tourCrypt();
     return 0;
 }
