@@ -11,6 +11,10 @@ TarnLUDecomposition::TarnLUDecomposition(const TarnMatrix &matrix)
       pivots(new std::int32_t[static_cast<std::size_t>(matrix.nRows())]) {
     matrix.transpose(columns);
     std::iota(pivots.get(), pivots.get() + m, 0);
+    if (m <= kSmallOrder) {
+        factorSmall();
+        return;
+    }
     const std::size_t height = static_cast<std::size_t>(m);
     std::unique_ptr<double[]> scratch(new double[height * tarn::linalg::kMaxTargets]);
     for (int first = 0; first < n; first += tarn::linalg::kMaxTargets) {
@@ -27,6 +31,52 @@ TarnLUDecomposition::TarnLUDecomposition(const TarnMatrix &matrix)
         addTerms(block, 0, block.count, 0, std::min(first, m));
         for (int c = 0; c < block.count; ++c) {
             finishColumn(block, c);
+        }
+    }
+}
+
+void TarnLUDecomposition::factorSmall() {
+    // The sums live on the stack: a small system pays for no scratch allocation.
+    double sums[kSmallOrder];
+    for (int j = 0; j < n; ++j) {
+        double *column = columns[j];
+        std::fill(sums, sums + m, 0.0);
+        // Row k of the column is final once it has the terms of all rows above it (k below j);
+        // its term then goes to every row below, so that each row's sum grows in rising k from
+        // 0.0, as the dot product of the row with the updated column would.
+        const int above = std::min(j, m);
+        for (int k = 0; k < above; ++k) {
+            const double value = column[k] - sums[k];
+            column[k] = value;
+            const double *multipliers = columns[k];
+            for (int i = k + 1; i < m; ++i) {
+                sums[i] += multipliers[i] * value;
+            }
+        }
+        for (int i = above; i < m; ++i) {
+            column[i] -= sums[i];
+        }
+        if (j >= m) {
+            continue;
+        }
+        // Find the pivot: the first row of strictly greatest magnitude; a NaN never wins.
+        int pivot = j;
+        for (int i = j + 1; i < m; ++i) {
+            if (std::fabs(column[pivot]) < std::fabs(column[i])) {
+                pivot = i;
+            }
+        }
+        if (pivot != j) {
+            for (int col = 0; col < n; ++col) {
+                std::swap(columns[col][pivot], columns[col][j]);
+            }
+            std::swap(pivots[pivot], pivots[j]);
+        }
+        // Divide the column below the diagonal by the pivot; an exact zero pivot skips this.
+        if (column[j] != 0.0) {
+            for (int i = j + 1; i < m; ++i) {
+                column[i] /= column[j];
+            }
         }
     }
 }

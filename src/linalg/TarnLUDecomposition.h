@@ -21,8 +21,8 @@
 /// run of m doubles per column of the block. A local object of one call; one thread.
 class TarnLUDecomposition {
 public:
-    /// Factorizes `matrix`. Allocates the factors, m pivot indices, and one scratch block of 4 x m
-    /// doubles that is released before the constructor returns.
+    /// Factorizes `matrix`. Allocates the factors, m pivot indices, and (above kSmallOrder rows)
+    /// one scratch block of 4 x m doubles that is released before the constructor returns.
     explicit TarnLUDecomposition(const TarnMatrix &matrix);
 
     /// Solves against the factors: `result` becomes the m x nx solution for the nx columns of
@@ -42,8 +42,14 @@ private:
         double *former[tarn::linalg::kMaxTargets] = {};
     };
 
+    /// Matrices of at most this many rows are factorized by `factorSmall`.
+    static constexpr int kSmallOrder = 16;
+
     // Element (row, col) of the factors.
     double factor(int row, int col) const { return columns[col][row]; }
+    // Factorizes a matrix of at most kSmallOrder rows column by column with plain loops: the same
+    // operations in the same order as the blocked path, without its per-block calls and scratch.
+    void factorSmall();
     // Makes rows kBegin .. kEnd - 1 final in columns block.first + firstTarget and on (targets of
     // them), each row passing its term to every later row of those columns.
     void addTerms(const ColumnBlock &block, int firstTarget, int targets, int kBegin, int kEnd);
