@@ -279,6 +279,16 @@ TARN_TARGET_AVX2 void addTermsAvx2(double *const *y, const double *const *x, con
 template <int Targets, int Terms>
 TARN_TARGET_AVX512 void addTermsAvx512(double *const *y, const double *const *x, const double *factors,
                                        int count) {
+    // The factors are broadcast once, into registers: the stores to y could otherwise, for all the
+    // compiler knows, change them, and each step would load them again.
+    __m512d broadcast[Targets][Terms];
+#pragma GCC unroll 4
+    for (int c = 0; c < Targets; ++c) {
+#pragma GCC unroll 4
+        for (int t = 0; t < Terms; ++t) {
+            broadcast[c][t] = _mm512_set1_pd(factors[c * kMaxTerms + t]);
+        }
+    }
     int i = 0;
     for (; i + 8 <= count; i += 8) {
         __m512d sources[Terms];
@@ -291,8 +301,7 @@ TARN_TARGET_AVX512 void addTermsAvx512(double *const *y, const double *const *x,
             __m512d sum = _mm512_loadu_pd(y[c] + i);
 #pragma GCC unroll 4
             for (int t = 0; t < Terms; ++t) {
-                const __m512d factor = _mm512_set1_pd(factors[c * kMaxTerms + t]);
-                sum = _mm512_add_pd(sum, _mm512_mul_pd(sources[t], factor));
+                sum = _mm512_add_pd(sum, _mm512_mul_pd(sources[t], broadcast[c][t]));
             }
             _mm512_storeu_pd(y[c] + i, sum);
         }

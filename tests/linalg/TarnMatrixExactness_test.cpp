@@ -261,6 +261,24 @@ TEST_F(TarnMatrixExactnessTest, ScaledRowUpdateKernelsGiveThePlainLoopBits) {
     }
 }
 
+// The transpose walks tiles: every shape across and beyond the tile edges must move each element.
+TEST_F(TarnMatrixExactnessTest, TransposeMovesEveryElementAcrossTileEdges) {
+    for (int rows : {1, 15, 16, 17, 40}) {
+        for (int cols : {1, 16, 33}) {
+            const TarnMatrix a = randomMatrix(generator, rows, cols);
+            TarnMatrix t;
+            ASSERT_TRUE(a.transpose(t));
+            ASSERT_EQ(t.nRows(), cols);
+            ASSERT_EQ(t.nCols(), rows);
+            for (int i = 0; i < rows; ++i) {
+                for (int j = 0; j < cols; ++j) {
+                    ASSERT_EQ(t[j][i], a[i][j]) << rows << " x " << cols << " at " << i << ", " << j;
+                }
+            }
+        }
+    }
+}
+
 TEST_F(TarnMatrixExactnessTest, SolveAndInvertGiveThePlainFactorizationBits) {
     // The awkward sizes, and orders on both sides of the small-system path's limit.
     for (int n : {1, 3, 10, 15, 16, 17, 64, 129}) {
