@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <tuple>
 #include <type_traits>
@@ -153,22 +154,30 @@ TEST(TarnCryptTest, Rc4WritesNothingForUnusableArguments) {
     EXPECT_EQ(out, Bytes(6, 0xee));
 }
 
+// Runs `cipher(input, output)` over `length` bytes that start 64 bytes into a patterned buffer,
+// once into a buffer of its own and once for each output place shifted by `shifts` inside the same
+// buffer (0: in place); every shifted result must equal the separate one.
+template <class Cipher>
+void expectTheCopiedResult(int length, std::initializer_list<int> shifts, Cipher cipher) {
+    Bytes data(static_cast<std::size_t>(length) + 128);
+    for (std::size_t i = 0; i < data.size(); ++i) {
+        data[i] = static_cast<unsigned char>(i * 13 + 5);
+    }
+    Bytes expected(static_cast<std::size_t>(length));
+    cipher(data.data() + 64, expected.data());
+    for (int shift : shifts) {
+        Bytes buffer = data;
+        cipher(buffer.data() + 64, buffer.data() + 64 + shift);
+        EXPECT_EQ(Bytes(buffer.begin() + 64 + shift, buffer.begin() + 64 + shift + length), expected)
+            << "output shifted by " << shift;
+    }
+}
+
 TEST(TarnCryptTest, Rc4EncryptInPlaceAndOverlappingGivesTheCopiedResult) {
     const Bytes key = bytesOf("overlap");
-    Bytes data(200);
-    for (std::size_t i = 0; i < data.size(); ++i) {
-        data[i] = static_cast<unsigned char>(i * 31 + 3);
-    }
-    const int base = 70;
-    const int length = 60;
-    const Bytes expected = rc4Encrypt(key, Bytes(data.begin() + base, data.begin() + base + length));
-    for (int shift : {0, 1, 7, -1, -7, 59, -59}) {
-        Bytes buffer = data;
-        TarnCrypt::rc4Encrypt(key.data(), static_cast<int>(key.size()), buffer.data() + base, length,
-                              buffer.data() + base + shift);
-        const Bytes got(buffer.begin() + base + shift, buffer.begin() + base + shift + length);
-        EXPECT_EQ(got, expected) << "output shifted by " << shift;
-    }
+    expectTheCopiedResult(60, {0, 1, 7, -1, -7, 59, -59}, [&](const unsigned char *in, unsigned char *out) {
+        TarnCrypt::rc4Encrypt(key.data(), static_cast<int>(key.size()), in, 60, out);
+    });
 }
 
 // ---- XTEA ---------------------------------------------------------------------------------------
@@ -262,22 +271,12 @@ TEST(TarnCryptTest, XteaBlockRejectsPartialBlocksWithoutWritingAndCopiesWithNoCy
 
 TEST(TarnCryptTest, XteaBlockInPlaceAndOverlappingBuffersGiveTheCopiedResult) {
     const std::uint32_t key[4] = {7, 11, 13, 17};
-    Bytes data(8 * 40 + 64);
-    for (std::size_t i = 0; i < data.size(); ++i) {
-        data[i] = static_cast<unsigned char>(i * 13 + 5);
-    }
-    const unsigned int length = 8 * 40;
     for (bool encipher : {true, false}) {
-        Bytes expected(length);
-        ASSERT_TRUE(TarnCrypt::xteaBlock(32, data.data() + 32, length, expected.data(), key, encipher));
-        for (int shift : {0, 1, 3, 8, 24, 31, -1, -8, -13, -32}) {
-            Bytes buffer = data;
-            ASSERT_TRUE(TarnCrypt::xteaBlock(32, buffer.data() + 32, length, buffer.data() + 32 + shift, key,
-                                             encipher));
-            const Bytes got(buffer.begin() + 32 + shift, buffer.begin() + 32 + shift + length);
-            EXPECT_EQ(got, expected) << "output shifted by " << shift
-                                     << (encipher ? " enciphering" : " deciphering");
-        }
+        SCOPED_TRACE(encipher ? "enciphering" : "deciphering");
+        expectTheCopiedResult(8 * 40, {0, 1, 3, 8, 24, 31, -1, -8, -13, -32},
+                              [&](const unsigned char *in, unsigned char *out) {
+                                  EXPECT_TRUE(TarnCrypt::xteaBlock(32, in, 8 * 40, out, key, encipher));
+                              });
     }
 }
 
