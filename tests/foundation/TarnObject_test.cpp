@@ -25,8 +25,9 @@ TEST(TarnObjectTest, IsaComparesTheWholeNameExactlyAndNeverABase) {
         EXPECT_TRUE(o.object.isa(std::string(o.name)));
         EXPECT_EQ(o.object.getClassName(), o.name);
         const std::string name = o.name;
-        for (const std::string &other : {std::string(), name.substr(1), name + "s", std::string("TarnObject"),
-                                         std::string("widget"), std::string("tarnstring")}) {
+        for (const std::string &other :
+             {std::string(), name.substr(0, name.size() - 1), name.substr(1), name + "s",
+              std::string("TarnObject"), std::string("widget"), std::string("tarnstring")}) {
             EXPECT_FALSE(o.object.isa(other)) << o.name << " answered to " << other;
         }
     }
