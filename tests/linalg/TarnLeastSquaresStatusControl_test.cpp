@@ -29,6 +29,9 @@ TEST(TarnLeastSquaresStatusControlTest, DefaultsOutcomeFlagsAndCopies) {
     TarnLeastSquaresStatusControl other(copy);
     EXPECT_TRUE(other.getAbort());
     EXPECT_TRUE(other.getStatusConverged());
+    other.setAbort(false);
+    EXPECT_FALSE(other.getAbort());
+    EXPECT_TRUE(other.getStatusConverged()) << "clearing the request changed an outcome flag";
     record = TarnLeastSquaresStatusControl();
     EXPECT_FALSE(record.getStatusConverged());
     EXPECT_FALSE(record.getAbort());
