@@ -53,7 +53,12 @@ private:
     return ::testing::AssertionSuccess();
 }
 
-TEST(TarnThreadTest, GoesFromNeverStartedToActiveToEndedAndRestarts) {
+// Raising a priority may be refused to an unprivileged process; the thread must run all the same,
+// whatever priority it starts at (7: in the enumeration's range, outside the table; the restart
+// stress test starts at every priority of the table) or is set while it runs or after it ended.
+TEST(TarnThreadTest, GoesFromNeverStartedToActiveToEndedAndRestartsAtAnyPriority) {
+    EXPECT_EQ(std::vector<int>(TarnThread::Priorities, TarnThread::Priorities + 7),
+              (std::vector<int>{-15, -2, -1, 0, 1, 2, 15}));
     Probe probe;
     GatedThread thread(probe);
     thread.setPriority(TarnThread::Highest); // no thread yet: does nothing
@@ -62,7 +67,11 @@ TEST(TarnThreadTest, GoesFromNeverStartedToActiveToEndedAndRestarts) {
     EXPECT_TRUE(thread.wait(0));
     EXPECT_TRUE(thread.wait(0xFFFFFFFFul));
     for (int round = 1; round <= 3; ++round) {
-        ASSERT_TRUE(startAndAwaitRun(thread, probe, TarnThread::Normal, round));
+        const auto priority = static_cast<TarnThread::Priority>(round == 3 ? 7 : TarnThread::Normal);
+        ASSERT_TRUE(startAndAwaitRun(thread, probe, priority, round));
+        for (int other = 0; other <= 7; ++other) {
+            thread.setPriority(static_cast<TarnThread::Priority>(other));
+        }
         EXPECT_TRUE(thread.running());
         EXPECT_FALSE(thread.finished());
         EXPECT_FALSE(thread.wait(0)); // polls without blocking
@@ -73,29 +82,12 @@ TEST(TarnThreadTest, GoesFromNeverStartedToActiveToEndedAndRestarts) {
         EXPECT_TRUE(thread.finished());
         EXPECT_EQ(probe.begun.count(), round);
     }
+    thread.setPriority(TarnThread::Highest);
+    EXPECT_TRUE(thread.finished());
     EXPECT_EQ(probe.sawItselfActive.load(), 3) << "run began before the handle was in place";
     EXPECT_NE(probe.runThread, std::this_thread::get_id());
     EXPECT_EQ(thread.getClassName(), "TarnThread");
     EXPECT_TRUE(thread.isa("TarnThread"));
-}
-
-// Raising a priority may be refused to an unprivileged process; the thread must run all the
-// same, whatever priority is set while it runs or after it ended. (The restart stress test starts
-// a thread at every priority of the table.)
-TEST(TarnThreadTest, APriorityOutsideTheTableOrSetWhileRunningStillRuns) {
-    EXPECT_EQ(std::vector<int>(TarnThread::Priorities, TarnThread::Priorities + 7),
-              (std::vector<int>{-15, -2, -1, 0, 1, 2, 15}));
-    Probe probe;
-    GatedThread thread(probe);
-    // 7: in the enumeration's range, outside the table.
-    ASSERT_TRUE(startAndAwaitRun(thread, probe, static_cast<TarnThread::Priority>(7)));
-    for (int other = 0; other <= 7; ++other) {
-        thread.setPriority(static_cast<TarnThread::Priority>(other));
-    }
-    probe.gate.release(1);
-    ASSERT_TRUE(thread.wait(kGenerousMs));
-    thread.setPriority(TarnThread::Highest);
-    EXPECT_TRUE(thread.finished());
 }
 
 TEST(TarnThreadTest, BeginThreadRunsRunOnTheCallingThreadAndReturnsZero) {
