@@ -16,8 +16,12 @@ class TarnVector;
 /// for its identity. Nothing here fails.
 class TARN_API TarnObject {
 public:
+    /// Constructs the root; a copy copies nothing.
+    ///@{
     TarnObject() = default;
     TarnObject(const TarnObject &) {}
+    ///@}
+    /// Destroys the object; the root's destructor does nothing.
     virtual ~TarnObject();
 
     /// Changes nothing and returns this object.
@@ -40,8 +44,12 @@ public:
 /// whether every check passed; nothing prints the lines.
 class TARN_API TarnTestable {
 public:
+    /// Constructs the interface; a copy copies nothing.
+    ///@{
     TarnTestable() = default;
     TarnTestable(const TarnTestable &) {}
+    ///@}
+    /// Destroys the object; the interface's destructor does nothing.
     virtual ~TarnTestable();
 
     /// Changes nothing and returns this object.

@@ -19,9 +19,13 @@ class TarnVector : public std::vector<T *> {
     using Base = std::vector<T *>;
 
 public:
+    /// Constructs an empty vector.
     TarnVector() = default;
+    /// Constructs a vector holding copies of `other`'s elements.
     TarnVector(const TarnVector &other) : Base() { appendCopiesOf(other); }
+    /// Takes over `other`'s elements, leaving `other` empty.
     TarnVector(TarnVector &&other) noexcept : Base(std::move(static_cast<Base &>(other))) {}
+    /// Deletes every element (`removeAll`) and releases the storage.
     ~TarnVector() { removeAll(); }
 
     /// Replaces the elements by copies of `other`'s elements.
@@ -78,6 +82,7 @@ public:
     }
 
     /// Returns the element at `index`, which must be below the count (not range-checked).
+    ///@{
     T &operator[](unsigned int index) {
         assert(index < Base::size());
         return *Base::operator[](index);
@@ -86,6 +91,7 @@ public:
         assert(index < Base::size());
         return *Base::operator[](index);
     }
+    ///@}
 
     /// Exchanges the places of two elements by exchanging their pointers. Throws
     /// std::out_of_range ("invalid vector<T> subscript") and changes nothing when either index is
@@ -135,10 +141,16 @@ public:
 /// else: the box does not own what it points to.
 class TarnPointer {
 public:
+    /// Constructs a box holding null.
     TarnPointer() = default;
+    /// Copies the pointer, not what it points to.
+    ///@{
     TarnPointer(const TarnPointer &) = default;
     TarnPointer &operator=(const TarnPointer &) = default;
+    ///@}
+    /// Does nothing: the box owns nothing.
     ~TarnPointer() = default;
 
+    /// The pointer held; null until set.
     void *pointer = nullptr;
 };
