@@ -15,5 +15,10 @@ function(tarn_set_exact_float target)
         target_compile_options(${target} PRIVATE /fp:precise)
     else()
         target_compile_options(${target} PRIVATE -ffp-contract=off -fno-fast-math)
+        # 32-bit x86 would otherwise compute in x87 registers with 80-bit intermediates, which
+        # rounds differently from every 64-bit build: keep doubles in SSE2 registers there too.
+        if(CMAKE_SIZEOF_VOID_P EQUAL 4 AND CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86|X86|i[3-6]86)$")
+            target_compile_options(${target} PRIVATE -msse2 -mfpmath=sse)
+        endif()
     endif()
 endfunction()

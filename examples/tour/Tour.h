@@ -2,3 +2,9 @@
 #pragma once
 
 void tourFoundation();
+void tourSerialization();
+void tourLinalg();
+void tourConfig();
+void tourSystem();
+void tourConcurrency();
+void tourCrypt();

@@ -6,5 +6,11 @@
 int main() {
     std::printf("Tarn tour\n");
     tourFoundation();
+    tourSerialization();
+    tourLinalg();
+    tourConfig();
+    tourSystem();
+    tourConcurrency();
+    tourCrypt();
     return 0;
 }

@@ -1,0 +1,60 @@
+// Internal: the LU factorization with partial pivoting behind TarnMatrix::solve and invert.
+#pragma once
+
+#include "linalg/TarnMatrixKernels.h"
+#include "tarn/linalg/TarnMatrix.h"
+
+#include <cstdint>
+#include <memory>
+
+/// The LU factorization of an m x n matrix with row pivoting, in the left-looking dot-product
+/// order: element (i, j) receives the sum over k below min(i, j), rising from 0.0, of L(i, k) times
+/// the already updated U(k, j), subtracted once. The pivot of column j is the first row at or
+/// below j of strictly greatest magnitude; only an exact 0.0 pivot is singular, and it skips the
+/// division of its column without stopping the factorization.
+///
+/// The factors are kept column by column: row j of `columns` is column j of the factorization (L's
+/// multipliers below the diagonal, U on and above it), so that the column being updated and every
+/// column of L that updates it are contiguous. Columns are updated four at a time: the terms that
+/// all four need are added in one pass over L, and each column is then finished in order. A
+/// column's storage holds its running sums while its former values wait in the scratch block, one
+/// run of m doubles per column of the block. A local object of one call; one thread.
+class TarnLUDecomposition {
+public:
+    /// Factorizes `matrix`. Allocates the factors, m pivot indices, and one scratch block of 4 x m
+    /// doubles that is released before the constructor returns.
+    explicit TarnLUDecomposition(const TarnMatrix &matrix);
+
+    /// Solves against the factors: `result` becomes the m x nx solution for the nx columns of
+    /// `rhs`. Returns false, `result` untouched, when rhs has other than m rows, a diagonal
+    /// element of U is exactly 0.0, or the factorized matrix was not square.
+    bool solveFor(const TarnMatrix &rhs, TarnMatrix &result) const;
+
+    /// Returns the pivot table: entry i is the input row that stands at row i of the factors.
+    const std::int32_t *getPivots() const { return pivots.get(); }
+
+private:
+    /// The columns first .. first + count - 1 under way: their storage holds running sums, and
+    /// former[c] the values of column first + c that are not final yet.
+    struct ColumnBlock {
+        int first = 0;
+        int count = 0;
+        double *former[tarn::linalg::kMaxTargets] = {};
+    };
+
+    // Element (row, col) of the factors.
+    double factor(int row, int col) const { return columns[col][row]; }
+    // Makes rows kBegin .. kEnd - 1 final in columns block.first + firstTarget and on (targets of
+    // them), each row passing its term to every later row of those columns.
+    void addTerms(const ColumnBlock &block, int firstTarget, int targets, int kBegin, int kEnd);
+    // Finishes column block.first + index: its own terms, pivot, exchange and division.
+    void finishColumn(ColumnBlock &block, int index);
+    // Exchanges rows first and second of the factors over all columns, of the former values of the
+    // block, and their pivot entries.
+    void exchangeRows(ColumnBlock &block, int first, int second);
+
+    int m = 0;
+    int n = 0;
+    TarnMatrix columns;
+    std::unique_ptr<std::int32_t[]> pivots;
+};

@@ -1,0 +1,51 @@
+// Internal numeric kernels of the matrix family: the dense product and the scaled row update.
+#pragma once
+
+// Every kernel gives, element for element, the bits of the plain loop it replaces: each result
+// element is summed over k in rising order from an accumulator of 0.0, one multiply and one add
+// per term, never fused and never regrouped. Speed comes only from working on several result
+// elements at once (vector lanes or registers) and from walking memory contiguously. The AVX2
+// forms are chosen at run time when the processor has AVX2; the portable forms run everywhere.
+
+namespace tarn {
+namespace linalg {
+
+/// Puts a (m x p) times b (p x n) into c (m x n); all three are contiguous row-major blocks and c
+/// must not overlap a or b. c[i][j] is the sum over k rising from 0.0 of a[i][k] * b[k][j]. Uses
+/// one scratch allocation of at most p x 8 doubles per call.
+void multiply(const double *a, const double *b, double *c, int m, int p, int n);
+
+/// `multiply` on the portable path, whatever the processor.
+void multiplyPortable(const double *a, const double *b, double *c, int m, int p, int n);
+
+/// `multiply` on the AVX2 path; call it only when `hasAvx2` is true.
+void multiplyAvx2(const double *a, const double *b, double *c, int m, int p, int n);
+
+/// The most terms and the most targets that one `addScaledTerms` call takes.
+constexpr int kMaxTerms = 4;
+constexpr int kMaxTargets = 4;
+
+/// For each target c below `targets` and each i below count, adds x[t][i] * factors[c * kMaxTerms
+/// + t] to y[c][i] for t from 0 to terms - 1 in that order: per element one multiply and one add
+/// per term, exactly as terms x targets successive plain passes would do, but with each x[t] read
+/// once for all targets and each y[c] read and written once. terms lies in 1 .. kMaxTerms and
+/// targets in 1 .. kMaxTargets; the y rows must not overlap the x rows.
+void addScaledTerms(double *const *y, int targets, const double *const *x, const double *factors, int terms,
+                    int count);
+
+/// `addScaledTerms` on the portable path.
+void addScaledTermsPortable(double *const *y, int targets, const double *const *x, const double *factors,
+                            int terms, int count);
+
+/// `addScaledTerms` on the AVX2 path; call it only when `hasAvx2` is true.
+void addScaledTermsAvx2(double *const *y, int targets, const double *const *x, const double *factors,
+                        int terms, int count);
+
+/// Adds x[i] * factor to y[i] for i below count: `addScaledTerms` with one target and one term.
+void addScaled(double *y, const double *x, double factor, int count);
+
+/// Returns true when the AVX2 kernels can run on this processor (and the build has them).
+bool hasAvx2();
+
+} // namespace linalg
+} // namespace tarn

@@ -1,0 +1,104 @@
+// TarnArchive: the archive tree node, its token lookups and its non-recursive destruction.
+#include "tarn/serialization/TarnArchive.h"
+
+#include <utility>
+#include <vector>
+
+TarnArchive::TarnArchive() : parent(nullptr) {}
+
+TarnArchive::~TarnArchive() {
+    // Take the subtree apart with a work list instead of letting each child's destructor destroy
+    // its own children: a tree of any depth is released in constant stack. Every node reaches
+    // `delete` with no children left, so its destructor does not descend.
+    std::vector<TarnArchive *> pending(children.begin(), children.end());
+    children.std::vector<TarnArchive *>::clear();
+    while (!pending.empty()) {
+        TarnArchive *node = pending.back();
+        pending.pop_back();
+        pending.insert(pending.end(), node->children.begin(), node->children.end());
+        node->children.std::vector<TarnArchive *>::clear();
+        delete node;
+    }
+}
+
+TarnArchive &TarnArchive::getParent() {
+    // A root has no parent to refer to; it answers with itself rather than a null reference.
+    return parent != nullptr ? *parent : *this;
+}
+
+bool TarnArchive::isRoot() const {
+    return parent == nullptr;
+}
+
+void TarnArchive::setParent(TarnArchive *newParent) {
+    parent = newParent;
+}
+
+TarnVector<TarnArchive> &TarnArchive::getChildren() {
+    return children;
+}
+
+TarnArchive &TarnArchive::addChild() {
+    TarnArchive &child = children.add();
+    child.parent = this;
+    return child;
+}
+
+void TarnArchive::addToken(const char *tokenName, const TarnToken &token) {
+    // try_emplace leaves the map as it was when the name is present: the first value stays.
+    tokens.try_emplace(TarnString(tokenName), token);
+}
+
+TarnString &TarnArchive::getName() {
+    return name;
+}
+
+void TarnArchive::setName(const TarnString &newName) {
+    name = newName;
+}
+
+void TarnArchive::setName(const char *newName) {
+    name = newName;
+}
+
+TarnTokenMap &TarnArchive::getTokens() {
+    return tokens;
+}
+
+const TarnToken *TarnArchive::findToken(const char *tokenName) const {
+    const auto found = tokens.find(std::string_view(tokenName));
+    return found != tokens.end() ? &found->second : nullptr;
+}
+
+const char *TarnArchive::getTokenText(const char *tokenName) {
+    const TarnToken *token = findToken(tokenName);
+    return token != nullptr ? token->getValue() : "";
+}
+
+TarnSerializable *TarnArchive::getTokenPointer(const char *tokenName) {
+    const TarnToken *token = findToken(tokenName);
+    return token != nullptr ? token->getPointerValue() : nullptr;
+}
+
+int TarnArchive::getTokenInt(const char *tokenName) {
+    const TarnToken *token = findToken(tokenName);
+    return token != nullptr ? token->getIntValue() : 0;
+}
+
+void TarnArchive::getTokenDoubles(const char *tokenName, double *values, unsigned int count) {
+    if (const TarnToken *token = findToken(tokenName)) {
+        token->getDoubles(values, count);
+    }
+}
+
+void TarnArchive::addIntToken(const char *tokenName, int value) {
+    TarnToken token;
+    token.setValue(value);
+    tokens.try_emplace(TarnString(tokenName), std::move(token));
+}
+
+void TarnArchive::addDoublesToken(const char *tokenName, const double *values, unsigned int count) {
+    TarnToken token;
+    token.setValue(values, count);
+    tokens.try_emplace(TarnString(tokenName), std::move(token));
+}

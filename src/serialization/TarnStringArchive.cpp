@@ -1,0 +1,185 @@
+// TarnStringArchive: the section parser, the string writer and the text inspections.
+#include "tarn/serialization/TarnStringArchive.h"
+
+#include "serialization/TarnRestoreSequence.h"
+#include "serialization/TarnSectionWalk.h"
+#include "tarn/serialization/TarnSerializable.h"
+
+#include <cstring>
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr std::size_t kInitialTokenBufferLength = 100;
+
+// The length of the text that starts at `text`, up to its first NUL or `limit` bytes.
+std::size_t boundedLength(const char *text, std::size_t limit) {
+    const void *nul = std::memchr(text, '\0', limit);
+    return nul != nullptr ? static_cast<std::size_t>(static_cast<const char *>(nul) - text) : limit;
+}
+
+// True for the three bytes that carry the structure of the text.
+bool isStructural(char byte) {
+    return byte == '{' || byte == '}' || byte == ';';
+}
+
+} // namespace
+
+TarnStringArchive::TarnStringArchive()
+    : position(0), lastDelimiter(-1), sectionDepth(0), firstSection(true),
+      tokenBuffer(new char[kInitialTokenBufferLength + 1]()), tokenBufferLength(kInitialTokenBufferLength) {}
+
+TarnStringArchive::~TarnStringArchive() {
+    delete[] tokenBuffer;
+}
+
+TarnString &TarnStringArchive::getText() {
+    return text;
+}
+
+void TarnStringArchive::setText(const TarnString &newText) {
+    text = newText;
+}
+
+bool TarnStringArchive::serializeStore(TarnSerializable &object) {
+    text.clear();
+    object.serializeStore(*this);
+    appendSection(*this);
+    return true;
+}
+
+bool TarnStringArchive::serializeRestore(TarnSerializable &object, const TarnString &newText) {
+    text = newText;
+    return serializeRestore(object);
+}
+
+bool TarnStringArchive::serializeRestore(TarnSerializable &object) {
+    parseSection(*this);
+    tarn::runRestoreSequence(object, *this);
+    return true;
+}
+
+void TarnStringArchive::growTokenBuffer(std::size_t length) {
+    char *larger = new char[length + 1]();
+    delete[] tokenBuffer;
+    tokenBuffer = larger;
+    tokenBufferLength = length;
+}
+
+void TarnStringArchive::verifyTokenStringLength(int length) {
+    if (length > 0 && static_cast<std::size_t>(length) > tokenBufferLength) {
+        growTokenBuffer(static_cast<std::size_t>(length));
+    }
+}
+
+void TarnStringArchive::addBufferedToken(TarnArchive &section, std::size_t length) {
+    // The first "=" ends the name, unless it stands at index 0: then it splits nothing, the name
+    // is the whole text and the value the text behind the "=". A text without "=" is a name with
+    // an empty value. Name and value end at a NUL byte, as texts do.
+    const char *token = tokenBuffer;
+    const void *found = std::memchr(token, '=', length);
+    const std::size_t equals =
+        found != nullptr ? static_cast<std::size_t>(static_cast<const char *>(found) - token) : length;
+    std::size_t nameLength = equals >= 1 ? equals : length;
+    std::size_t valueStart = equals < length ? equals + 1 : length;
+    nameLength = boundedLength(token, nameLength);
+    // The value runs from valueStart to the first NUL, at the latest the one behind the text.
+    TarnToken value;
+    value.setValue(token + valueStart);
+    section.getTokens().try_emplace(TarnString(std::string(token, nameLength)), std::move(value));
+}
+
+void TarnStringArchive::parseSection(TarnArchive &section) {
+    // One pass over the text with an explicit stack of open sections in place of one call per
+    // level: the top of `open` is the section that the recursive reading would be filling, so
+    // the tree and its order are the same and the depth is bounded by memory only. A "{" opens a
+    // section (the first one names `section` itself and makes no child), a ";" ends a token of the
+    // open section, a "}" closes it; when the last open section closes, the parse ends and the
+    // rest of the text is ignored. Text that ends inside a section simply ends the parse.
+    std::vector<TarnArchive *> open{&section};
+    const char *const bytes = text.data();
+    const auto length = static_cast<std::int64_t>(text.size());
+    while (position < length && !open.empty()) {
+        const char byte = bytes[position];
+        if (byte == '{') {
+            ++sectionDepth;
+            const char *nameStart = bytes + lastDelimiter + 1;
+            const TarnString sectionName(
+                std::string(nameStart, static_cast<std::size_t>(position - lastDelimiter - 1)));
+            lastDelimiter = position++;
+            TarnArchive *target = open.back();
+            if (firstSection) {
+                firstSection = false;
+            } else {
+                target = &target->addChild();
+            }
+            target->setName(sectionName);
+            open.push_back(target);
+        } else if (byte == '}') {
+            --sectionDepth;
+            lastDelimiter = position++;
+            open.pop_back();
+        } else if (byte == ';') {
+            const auto tokenLength = static_cast<std::size_t>(position - lastDelimiter - 1);
+            if (tokenLength > tokenBufferLength) {
+                growTokenBuffer(tokenLength);
+            }
+            std::memcpy(tokenBuffer, bytes + lastDelimiter + 1, tokenLength);
+            tokenBuffer[tokenLength] = '\0';
+            addBufferedToken(*open.back(), tokenLength);
+            lastDelimiter = position++;
+        } else {
+            // Any other byte belongs to a name or a token text: skip the whole run at once.
+            ++position;
+            while (position < length && !isStructural(bytes[position])) {
+                ++position;
+            }
+        }
+    }
+}
+
+void TarnStringArchive::appendSection(TarnArchive &section) {
+    tarn::walkSections(
+        section,
+        [this](TarnArchive &node) {
+            text += node.getName();
+            text += '{';
+            for (auto &entry : node.getTokens()) {
+                tarn::appendTokenText(text, entry.first, entry.second);
+            }
+        },
+        [this](TarnArchive &) { text += '}'; });
+}
+
+TarnString TarnStringArchive::getClassName() {
+    const std::size_t brace = text.find('{');
+    if (brace == std::string::npos) {
+        return TarnString();
+    }
+    return TarnString(text.substr(0, brace));
+}
+
+void TarnStringArchive::getSimpleTokens(TarnVector<TarnString> &tokens) {
+    const TarnString copy(text);
+    const std::size_t open = copy.find('{');
+    if (open == std::string::npos) {
+        return;
+    }
+    const std::size_t close = copy.find('}');
+    if (close == std::string::npos) {
+        return;
+    }
+    // Drop the "}" and the ";" in front of it, then the name and the "{"; left and right give
+    // the empty text when a count is out of range, and so does a "}" in front of the "{".
+    const std::int64_t keep = static_cast<std::int64_t>(close) - 1;
+    if (keep <= 0) {
+        return;
+    }
+    const TarnString front = copy.left(static_cast<unsigned int>(keep));
+    const std::int64_t tail = static_cast<std::int64_t>(front.length()) - static_cast<std::int64_t>(open) - 1;
+    if (tail <= 0) {
+        return;
+    }
+    front.right(static_cast<unsigned int>(tail)).split(";", tokens);
+}

@@ -1,0 +1,196 @@
+// TarnToken: the text forms of values and their reading back.
+#include "tarn/serialization/TarnToken.h"
+
+#include "serialization/TarnNumberText.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
+namespace nt = tarn::numbertext;
+
+namespace {
+
+// The bytes of the text as a range, for the readers.
+const char *textEnd(const TarnString &text) {
+    return text.data() + text.size();
+}
+
+// The leading integer of the text as a 32-bit pattern, 0 when there is none.
+std::uint32_t leadingInt32(const TarnString &text) {
+    std::uint32_t value = 0;
+    nt::readInt32(text.data(), textEnd(text), value);
+    return value;
+}
+
+// Calls `read(first, last)` for each piece of [first, last) between blanks, in order, until
+// `count` pieces have been handed over. Only the blank separates; runs of blanks count once.
+template <class Reader>
+void forEachPiece(const char *first, const char *last, unsigned int count, Reader read) {
+    unsigned int index = 0;
+    while (index < count) {
+        while (first != last && *first == ' ') {
+            ++first;
+        }
+        if (first == last) {
+            return;
+        }
+        const void *blank = std::memchr(first, ' ', static_cast<std::size_t>(last - first));
+        const char *pieceEnd = blank != nullptr ? static_cast<const char *>(blank) : last;
+        read(index, first, pieceEnd);
+        ++index;
+        first = pieceEnd;
+    }
+}
+
+// Makes `text` the list form of `count` doubles: each by "%.18e" and a blank. The values are
+// formatted straight into the string's storage, a block at a time, so that no size computation
+// can overflow on a 32-bit build: a list too long for memory fails in the string's own resize.
+void writeDoubleList(TarnString &text, const double *values, unsigned int count) {
+    constexpr std::size_t perValue = nt::kMaxScientificLength + 1;
+    constexpr unsigned int block = 65536;
+    text.clear();
+    if (count <= text.max_size() / perValue) {
+        text.reserve(static_cast<std::size_t>(count) * perValue);
+    }
+    std::size_t used = 0;
+    for (unsigned int first = 0; first < count; first += std::min(block, count - first)) {
+        const unsigned int n = std::min(block, count - first);
+        text.resize(used + n * perValue);
+        char *const begin = &text[0u];
+        char *out = begin + used;
+        for (unsigned int i = first; i < first + n; ++i) {
+            out = nt::writeScientific(out, values[i], 18);
+            *out++ = ' ';
+        }
+        used = static_cast<std::size_t>(out - begin);
+    }
+    text.resize(used);
+}
+
+} // namespace
+
+TarnToken::TarnToken() = default;
+TarnToken::TarnToken(const TarnToken &other) = default;
+TarnToken::TarnToken(TarnToken &&other) noexcept = default;
+TarnToken &TarnToken::operator=(const TarnToken &other) = default;
+TarnToken &TarnToken::operator=(TarnToken &&other) noexcept = default;
+TarnToken::~TarnToken() = default;
+
+void TarnToken::setValue(const char *value) {
+    if (value != nullptr) {
+        text = value;
+    }
+}
+
+void TarnToken::setValue(bool value) {
+    text = value ? "true" : "false";
+}
+
+void TarnToken::setValue(double value) {
+    char buffer[nt::kMaxScientificLength];
+    text.assign(buffer, nt::writeScientific(buffer, value, 18));
+}
+
+void TarnToken::setValue(float value) {
+    char buffer[nt::kMaxScientificLength];
+    text.assign(buffer, nt::writeScientific(buffer, static_cast<double>(value), 8));
+}
+
+void TarnToken::setValue(int value) {
+    char buffer[12];
+    text.assign(buffer, nt::writeInt(buffer, value));
+}
+
+void TarnToken::setValue(unsigned long value) {
+    // The archive's integers are 32 bits wide on every platform: the low 32 bits, as signed.
+    const auto pattern = static_cast<std::uint32_t>(value);
+    setValue(static_cast<int>(static_cast<std::int32_t>(pattern)));
+}
+
+void TarnToken::setValue(unsigned short value) {
+    setValue(static_cast<int>(value));
+}
+
+void TarnToken::setValue(unsigned char value) {
+    setValue(static_cast<int>(value));
+}
+
+void TarnToken::setValue(const double *values, unsigned int count) {
+    writeDoubleList(text, values, count);
+}
+
+void TarnToken::setValue(const TarnArray<double> &values) {
+    writeDoubleList(text, values.data(), static_cast<unsigned int>(values.size()));
+}
+
+void TarnToken::setPointerValue(const TarnSerializable *value) {
+    char buffer[nt::kPointerDigits];
+    text.assign(buffer, nt::writePointer(buffer, reinterpret_cast<std::uintptr_t>(value)));
+}
+
+const char *TarnToken::getValue() const {
+    return text.c_str();
+}
+
+bool TarnToken::getBoolValue() const {
+    return static_cast<const std::string &>(text) == "true";
+}
+
+double TarnToken::getDoubleValue() const {
+    double value = 0.0;
+    nt::readDouble(text.data(), textEnd(text), value);
+    return value;
+}
+
+float TarnToken::getFloatValue() const {
+    return static_cast<float>(getDoubleValue());
+}
+
+int TarnToken::getIntValue() const {
+    return static_cast<int>(static_cast<std::int32_t>(leadingInt32(text)));
+}
+
+unsigned long TarnToken::getULongValue() const {
+    return static_cast<unsigned long>(leadingInt32(text));
+}
+
+unsigned short TarnToken::getUShortValue() const {
+    return static_cast<unsigned short>(leadingInt32(text) & 0xFFFFu);
+}
+
+char TarnToken::getCharValue() const {
+    return static_cast<char>(static_cast<signed char>(static_cast<std::int8_t>(leadingInt32(text) & 0xFFu)));
+}
+
+unsigned char TarnToken::getUCharValue() const {
+    return static_cast<unsigned char>(leadingInt32(text) & 0xFFu);
+}
+
+TarnSerializable *TarnToken::getPointerValue() const {
+    std::uintptr_t address = 0;
+    nt::readPointer(text.data(), textEnd(text), address);
+    return reinterpret_cast<TarnSerializable *>(address);
+}
+
+void TarnToken::getDoubles(double *values, unsigned int count) const {
+    forEachPiece(text.data(), textEnd(text), count,
+                 [values](unsigned int index, const char *first, const char *last) {
+                     nt::readDouble(first, last, values[index]);
+                 });
+}
+
+void TarnToken::getDoubles(TarnArray<double> &values) const {
+    getDoubles(values.data(), static_cast<unsigned int>(values.size()));
+}
+
+void TarnToken::getInts(TarnArray<int> &values) const {
+    int *const elements = values.data();
+    forEachPiece(text.data(), textEnd(text), static_cast<unsigned int>(values.size()),
+                 [elements](unsigned int index, const char *first, const char *last) {
+                     std::uint32_t value = 0;
+                     if (nt::readInt32(first, last, value)) {
+                         elements[index] = static_cast<int>(static_cast<std::int32_t>(value));
+                     }
+                 });
+}

@@ -1,0 +1,325 @@
+// Tests of TarnCrypt: published RC4 and XTEA vectors, edges of the lengths, in-place and overlap.
+#include <tarn/tarn.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+
+Bytes bytesOf(const std::string &text) {
+    return Bytes(text.begin(), text.end());
+}
+
+Bytes fromHex(const std::string &hex) {
+    Bytes out;
+    for (std::size_t i = 0; i + 1 < hex.size(); i += 2) {
+        out.push_back(static_cast<unsigned char>(std::stoul(hex.substr(i, 2), nullptr, 16)));
+    }
+    return out;
+}
+
+std::string toHex(const Bytes &bytes) {
+    static const char digits[] = "0123456789abcdef";
+    std::string out;
+    for (unsigned char b : bytes) {
+        out += digits[b >> 4];
+        out += digits[b & 15];
+    }
+    return out;
+}
+
+Bytes keyStream(const Bytes &key, int length) {
+    Bytes stream(static_cast<std::size_t>(length));
+    TarnCrypt::rc4(key.data(), static_cast<int>(key.size()), length, stream.data());
+    return stream;
+}
+
+Bytes rc4Encrypt(const Bytes &key, const Bytes &data) {
+    Bytes out(data.size());
+    TarnCrypt::rc4Encrypt(key.data(), static_cast<int>(key.size()), data.data(),
+                          static_cast<int>(data.size()), out.data());
+    return out;
+}
+
+bool littleEndian() {
+    const std::uint32_t one = 1;
+    unsigned char first = 0;
+    std::memcpy(&first, &one, 1);
+    return first == 1;
+}
+
+// ---- Identity -----------------------------------------------------------------------------------
+
+// A concrete class below TarnCrypt, to reach its non-virtual identity through a TarnCrypt reference.
+class Derived : public TarnCrypt {
+public:
+    bool isa(const std::string &name) const override { return tarn::isClassName(name, "Derived"); }
+    std::string getClassName() const override { return "Derived"; }
+};
+
+TEST(TarnCryptTest, IdentityAnswersOnlyToADirectCallOnTheClass) {
+    static_assert(std::is_abstract<TarnCrypt>::value, "TarnCrypt must stay abstract");
+    Derived derived;
+    TarnCrypt &crypt = derived;
+    EXPECT_TRUE(crypt.isa("TarnCrypt"));
+    EXPECT_FALSE(crypt.isa("tarncrypt"));
+    EXPECT_FALSE(crypt.isa(""));
+    EXPECT_EQ(crypt.getClassName(), "TarnCrypt");
+    // The virtual slots are not filled by TarnCrypt: through the root the derived class answers.
+    const TarnObject &object = derived;
+    EXPECT_EQ(object.getClassName(), "Derived");
+    EXPECT_FALSE(object.isa("TarnCrypt"));
+}
+
+// ---- RC4 ----------------------------------------------------------------------------------------
+
+// The short examples that are quoted with the cipher's public description (Wikipedia, "RC4",
+// section Test vectors) and the 8-byte vectors posted with the original 1994 description.
+TEST(TarnCryptTest, Rc4EncryptMatchesWellKnownShortVectors) {
+    struct Vector {
+        Bytes key;
+        Bytes plain;
+        const char *cipher;
+    };
+    const Vector vectors[] = {
+        {bytesOf("Key"), bytesOf("Plaintext"), "bbf316e8d940af0ad3"},
+        {bytesOf("Wiki"), bytesOf("pedia"), "1021bf0420"},
+        {bytesOf("Secret"), bytesOf("Attack at dawn"), "45a01f645fc35b383552544b9bf5"},
+        {fromHex("0123456789abcdef"), fromHex("0123456789abcdef"), "75b7878099e0c596"},
+        {fromHex("0123456789abcdef"), fromHex("0000000000000000"), "7494c2e7104b0879"},
+        {fromHex("0000000000000000"), fromHex("0000000000000000"), "de188941a3375d3a"},
+        {fromHex("ef012345"), fromHex("00000000000000000000"), "d6a141a7ec3c38dfbd61"},
+    };
+    for (const Vector &v : vectors) {
+        const Bytes cipher = rc4Encrypt(v.key, v.plain);
+        EXPECT_EQ(toHex(cipher), v.cipher) << "key " << toHex(v.key);
+        EXPECT_EQ(rc4Encrypt(v.key, cipher), v.plain) << "applying it again gives the data back";
+    }
+}
+
+// Key stream of RFC 6229 ("Test Vectors for the Stream Cipher RC4"), 40-bit key 0x0102030405: the
+// 16 bytes at every offset of its table, up to 4096.
+TEST(TarnCryptTest, Rc4KeyStreamMatchesRfc6229) {
+    struct Row {
+        int offset;
+        const char *bytes;
+    };
+    const Row rows40[] = {
+        {0, "b2396305f03dc027ccc3524a0a1118a8"},    {16, "6982944f18fc82d589c403a47a0d0919"},
+        {240, "28cb1132c96ce286421dcaadb8b69eae"},  {256, "1cfcf62b03eddb641d77dfcf7f8d8c93"},
+        {496, "42b7d0cdd918a8a33dd51781c81f4041"},  {512, "6459844432a7da923cfb3eb4980661f6"},
+        {752, "ec10327bde2beefd18f9277680457e22"},  {768, "eb62638d4f0ba1fe9fca20e05bf8ff2b"},
+        {1008, "45129048e6a0ed0b56b490338f078da5"}, {1024, "30abbcc7c20b01609f23ee2d5f6bb7df"},
+        {1520, "3294f744d8f9790507e70f62e5bbceea"}, {1536, "d8729db41882259bee4f825325f5a130"},
+        {2032, "1eb14a0c13b3bf47fa2a0ba93ad45b8b"}, {2048, "cc582f8ba9f265e2b1be9112e975d2d7"},
+        {3056, "f2e30f9bd102ecbf75aaade9bc35c43c"}, {3072, "ec0e11c479dc329dc8da7968fe965681"},
+        {4080, "068326a2118416d21f9d04b2cd1ca050"}, {4096, "ff25b58995996707e51fbdf08b34d875"},
+    };
+    const Bytes stream40 = keyStream(fromHex("0102030405"), 4096 + 16);
+    for (const Row &row : rows40) {
+        const Bytes got(stream40.begin() + row.offset, stream40.begin() + row.offset + 16);
+        EXPECT_EQ(toHex(got), row.bytes) << "40-bit key, offset " << row.offset;
+    }
+}
+
+TEST(TarnCryptTest, Rc4KeyHandlingFollowsTheKeyTable) {
+    // A shorter stream is a prefix of a longer one: every call starts the stream afresh.
+    const Bytes key = bytesOf("prefix key");
+    const Bytes longer = keyStream(key, 300);
+    const Bytes shorter = keyStream(key, 37);
+    EXPECT_TRUE(std::equal(shorter.begin(), shorter.end(), longer.begin()));
+    // A one-byte key is cycled through the table: it equals that byte repeated 256 times.
+    EXPECT_EQ(keyStream(Bytes{0x5a}, 64), keyStream(Bytes(256, 0x5a), 64));
+    // Only the first 256 bytes of a key count.
+    Bytes first(256);
+    for (std::size_t i = 0; i < first.size(); ++i) {
+        first[i] = static_cast<unsigned char>(i * 7 + 1);
+    }
+    Bytes extendedA = first;
+    Bytes extendedB = first;
+    extendedA.push_back(1);
+    extendedB.insert(extendedB.end(), {9, 9, 9});
+    EXPECT_EQ(keyStream(extendedA, 64), keyStream(first, 64));
+    EXPECT_EQ(keyStream(extendedB, 64), keyStream(first, 64));
+    // A key of 255 bytes is cycled, not padded: its table differs from the 256-byte one.
+    EXPECT_NE(keyStream(Bytes(first.begin(), first.end() - 1), 1024), keyStream(first, 1024));
+}
+
+TEST(TarnCryptTest, Rc4WritesNothingForUnusableArguments) {
+    const unsigned char key[1] = {'k'};
+    const unsigned char data[6] = {'a', 'b', 'c', 'd', 'e', 'f'};
+    Bytes out(6, 0xee);
+    struct Call {
+        const unsigned char *key;
+        int keyLength;
+        const unsigned char *data;
+        int length;
+        unsigned char *output;
+    };
+    const Call calls[] = {{key, 1, data, 0, out.data()},     {key, 1, data, -5, out.data()},
+                          {key, 0, data, 6, out.data()},     {key, -3, data, 6, out.data()},
+                          {nullptr, 1, data, 6, out.data()}, {key, 1, nullptr, 6, out.data()}};
+    for (const Call &c : calls) {
+        TarnCrypt::rc4Encrypt(c.key, c.keyLength, c.data, c.length, c.output);
+        if (c.data != nullptr) {
+            TarnCrypt::rc4(c.key, c.keyLength, c.length, c.output);
+        }
+    }
+    TarnCrypt::rc4Encrypt(key, 1, data, 6, nullptr);
+    TarnCrypt::rc4(key, 1, 6, nullptr);
+    EXPECT_EQ(out, Bytes(6, 0xee));
+}
+
+TEST(TarnCryptTest, Rc4EncryptInPlaceAndOverlappingGivesTheCopiedResult) {
+    const Bytes key = bytesOf("overlap");
+    Bytes data(200);
+    for (std::size_t i = 0; i < data.size(); ++i) {
+        data[i] = static_cast<unsigned char>(i * 31 + 3);
+    }
+    const int base = 70;
+    const int length = 60;
+    const Bytes expected = rc4Encrypt(key, Bytes(data.begin() + base, data.begin() + base + length));
+    for (int shift : {0, 1, 7, -1, -7, 59, -59}) {
+        Bytes buffer = data;
+        TarnCrypt::rc4Encrypt(key.data(), static_cast<int>(key.size()), buffer.data() + base, length,
+                              buffer.data() + base + shift);
+        const Bytes got(buffer.begin() + base + shift, buffer.begin() + base + shift + length);
+        EXPECT_EQ(got, expected) << "output shifted by " << shift;
+    }
+}
+
+// ---- XTEA ---------------------------------------------------------------------------------------
+
+// 32-cycle vectors from the sci.crypt thread "Testing XTEA" (Jan 2007): M. Amling's key and
+// plaintext whose words read the same in either byte order, and W. Ehrhardt's zero key with
+// plaintext bytes 01 23 .. ef taken as big-endian words.
+TEST(TarnCryptTest, XteaMatchesPublishedWordVectors) {
+    struct Vector {
+        std::uint32_t key[4];
+        std::uint32_t plain[2];
+        std::uint32_t cipher[2];
+    };
+    const Vector vectors[] = {
+        {{0x01020201, 0x03040403, 0x05060605, 0x07080807},
+         {0x11222211, 0x33444433},
+         {0x9f775b19, 0xd1c7121d}},
+        {{0, 0, 0, 0}, {0x01234567, 0x89abcdef}, {0x7e66c71c, 0x88897221}},
+    };
+    for (const Vector &v : vectors) {
+        std::uint32_t words[2];
+        TarnCrypt::xteaEncipher(32, v.plain, words, v.key);
+        EXPECT_EQ(words[0], v.cipher[0]);
+        EXPECT_EQ(words[1], v.cipher[1]);
+        TarnCrypt::xteaDecipher(32, words, words, v.key); // in place
+        EXPECT_EQ(words[0], v.plain[0]);
+        EXPECT_EQ(words[1], v.plain[1]);
+    }
+}
+
+// K. Lockstone's "Test Vectors for TEA and XTEA": six zero words (two data, four key) are
+// enciphered with n = 1..64 cycles, the window sliding one word after each; the rows at the powers
+// of 2 are published, and deciphering in reverse must return to zeros.
+TEST(TarnCryptTest, XteaMatchesTheSlidingWindowVectorsForOneToSixtyFourCycles) {
+    const std::uint32_t published[7][6] = {
+        {0x00000000, 0x9e3779b9, 0x00000000, 0x00000000, 0x00000000, 0x00000000},
+        {0xec01a1de, 0xaaa0256d, 0x00000000, 0x00000000, 0x00000000, 0x00000000},
+        {0xbc3a7de2, 0x4e238eb9, 0x00000000, 0x00000000, 0xec01a1de, 0x114f6d74},
+        {0x31c5fa6c, 0x241756d6, 0xbc3a7de2, 0x845846cf, 0x2794a127, 0x6b8ea8b8},
+        {0x1d8e6992, 0x9a478905, 0x6a1d78c8, 0x08c86d67, 0x2a65bfbe, 0xb4bd6e46},
+        {0xd26428af, 0x0a202283, 0x27f917b1, 0xc1da8993, 0x60e2acaa, 0xa6eb923d},
+        {0x7a01cbc9, 0xb03d6068, 0x62ee209f, 0x069b7afc, 0x376a8936, 0xcdc9e923},
+    };
+    std::vector<std::uint32_t> pz(64 + 8, 0);
+    int row = 0;
+    for (unsigned int n = 1; n <= 64; ++n) {
+        TarnCrypt::xteaEncipher(n, &pz[n], &pz[n], &pz[n + 2]);
+        if ((n & (n - 1)) == 0) {
+            for (int w = 0; w < 6; ++w) {
+                EXPECT_EQ(pz[n + w], published[row][w]) << "cycles " << n << ", word " << w;
+            }
+            ++row;
+        }
+        pz[n + 6] = pz[n];
+    }
+    for (unsigned int n = 64; n >= 1; --n) {
+        TarnCrypt::xteaDecipher(n, &pz[n], &pz[n], &pz[n + 2]);
+    }
+    for (unsigned int n = 1; n <= 6; ++n) {
+        EXPECT_EQ(pz[n], 0u) << "word " << n << " after deciphering";
+    }
+}
+
+TEST(TarnCryptTest, XteaBlockReadsWordsInTheMachinesByteOrder) {
+    if (!littleEndian()) {
+        GTEST_SKIP() << "the published byte vector is for little-endian words";
+    }
+    // W. Ehrhardt's zero-key vector with little-endian words (sci.crypt, "Testing XTEA").
+    const std::uint32_t key[4] = {0, 0, 0, 0};
+    const Bytes plain = fromHex("0123456789abcdef");
+    Bytes out(8);
+    ASSERT_TRUE(TarnCrypt::xteaBlock(32, plain.data(), 8, out.data(), key, true));
+    EXPECT_EQ(toHex(out), "1dd474fd24ef1c2e");
+}
+
+TEST(TarnCryptTest, XteaBlockRejectsPartialBlocksWithoutWriting) {
+    const std::uint32_t key[4] = {1, 2, 3, 4};
+    const Bytes in(16, 0x11);
+    Bytes out(16, 0xee);
+    EXPECT_FALSE(TarnCrypt::xteaBlock(32, in.data(), 12, out.data(), key, true));
+    EXPECT_FALSE(TarnCrypt::xteaBlock(32, in.data(), 7, out.data(), key, false));
+    EXPECT_FALSE(TarnCrypt::xteaBlock(32, nullptr, 8, out.data(), key, true));
+    EXPECT_FALSE(TarnCrypt::xteaBlock(32, in.data(), 8, out.data(), nullptr, true));
+    EXPECT_EQ(out, Bytes(16, 0xee));
+    EXPECT_TRUE(TarnCrypt::xteaBlock(32, in.data(), 0, out.data(), key, true));
+    EXPECT_TRUE(TarnCrypt::xteaBlock(32, nullptr, 0, nullptr, key, true));
+    EXPECT_EQ(out, Bytes(16, 0xee));
+}
+
+TEST(TarnCryptTest, XteaBlockIsCodebookAndRoundTripsInPlace) {
+    const std::uint32_t key[4] = {0xdeadbeef, 0x01234567, 0x89abcdef, 0xfeedface};
+    Bytes data = bytesOf("8 bytes!8 bytes!and more");
+    const Bytes original = data;
+    ASSERT_TRUE(TarnCrypt::xteaBlock(32, data.data(), 24, data.data(), key, true));
+    EXPECT_TRUE(std::equal(data.begin(), data.begin() + 8, data.begin() + 8)) << "equal blocks, equal output";
+    EXPECT_NE(data, original);
+    Bytes wrongRounds = data;
+    ASSERT_TRUE(TarnCrypt::xteaBlock(31, wrongRounds.data(), 24, wrongRounds.data(), key, false));
+    EXPECT_NE(wrongRounds, original);
+    ASSERT_TRUE(TarnCrypt::xteaBlock(32, data.data(), 24, data.data(), key, false));
+    EXPECT_EQ(data, original);
+    // No cycles copy the words unchanged.
+    Bytes copy(24);
+    ASSERT_TRUE(TarnCrypt::xteaBlock(0, original.data(), 24, copy.data(), key, true));
+    EXPECT_EQ(copy, original);
+}
+
+TEST(TarnCryptTest, XteaBlockOverlappingBuffersGiveTheCopiedResult) {
+    const std::uint32_t key[4] = {7, 11, 13, 17};
+    Bytes data(8 * 40 + 64);
+    for (std::size_t i = 0; i < data.size(); ++i) {
+        data[i] = static_cast<unsigned char>(i * 13 + 5);
+    }
+    const unsigned int length = 8 * 40;
+    for (bool encipher : {true, false}) {
+        Bytes expected(length);
+        ASSERT_TRUE(TarnCrypt::xteaBlock(32, data.data() + 32, length, expected.data(), key, encipher));
+        for (int shift : {1, 3, 8, 24, 31, -1, -8, -13, -32}) {
+            Bytes buffer = data;
+            ASSERT_TRUE(TarnCrypt::xteaBlock(32, buffer.data() + 32, length, buffer.data() + 32 + shift, key,
+                                             encipher));
+            const Bytes got(buffer.begin() + 32 + shift, buffer.begin() + 32 + shift + length);
+            EXPECT_EQ(got, expected) << "output shifted by " << shift
+                                     << (encipher ? " enciphering" : " deciphering");
+        }
+    }
+}
+
+} // namespace

@@ -1,0 +1,114 @@
+// Tests of the XTEA multi-block kernels: each one gives exactly what the one-block routine gives.
+#include "crypt/TarnXteaKernels.h"
+
+#include <tarn/tarn.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+using tarn::crypt::XteaBlocksKernel;
+
+struct NamedKernel {
+    const char *name;
+    XteaBlocksKernel kernel;
+};
+
+// The kernels this build and processor can run.
+std::vector<NamedKernel> runnableKernels() {
+    std::vector<NamedKernel> kernels = {{"portable", &tarn::crypt::xteaBlocksPortable}};
+    if (tarn::crypt::xteaBlocksSse2 != nullptr && tarn::crypt::cpuHasSse2()) {
+        kernels.push_back({"sse2", tarn::crypt::xteaBlocksSse2});
+    }
+    if (tarn::crypt::xteaBlocksAvx2 != nullptr && tarn::crypt::cpuHasAvx2()) {
+        kernels.push_back({"avx2", tarn::crypt::xteaBlocksAvx2});
+    }
+    return kernels;
+}
+
+// The reference: every block through the public one-block routine, words in machine order.
+Bytes oneBlockAtATime(unsigned int rounds, const Bytes &input, const std::uint32_t *key, bool encipher) {
+    Bytes output(input.size());
+    for (std::size_t at = 0; at + 8 <= input.size(); at += 8) {
+        std::uint32_t words[2];
+        std::memcpy(words, &input[at], 8);
+        if (encipher) {
+            TarnCrypt::xteaEncipher(rounds, words, words, key);
+        } else {
+            TarnCrypt::xteaDecipher(rounds, words, words, key);
+        }
+        std::memcpy(&output[at], words, 8);
+    }
+    return output;
+}
+
+TEST(TarnXteaKernelsTest, EveryKernelMatchesTheOneBlockRoutineOnRandomInput) {
+    const unsigned seed = 20261123u;
+    std::mt19937 random(seed);
+    const std::vector<NamedKernel> kernels = runnableKernels();
+    // Lengths around every kernel's step (4, 8 and 16 blocks) and tails of each size.
+    const std::size_t blockCounts[] = {0, 1, 3, 4, 5, 7, 8, 9, 15, 16, 17, 31, 32, 33, 47, 100, 257};
+    const unsigned int roundCounts[] = {0, 1, 2, 31, 32, 33, 64, 65, 100};
+    for (int trial = 0; trial < 12; ++trial) {
+        std::uint32_t key[4];
+        for (std::uint32_t &word : key) {
+            word = static_cast<std::uint32_t>(random());
+        }
+        for (std::size_t blocks : blockCounts) {
+            // One spare byte in front so that the blocks start off any natural alignment.
+            Bytes buffer(blocks * 8 + 1);
+            for (unsigned char &b : buffer) {
+                b = static_cast<unsigned char>(random());
+            }
+            const Bytes input(buffer.begin() + 1, buffer.end());
+            for (unsigned int rounds : roundCounts) {
+                for (bool encipher : {true, false}) {
+                    const Bytes expected = oneBlockAtATime(rounds, input, key, encipher);
+                    for (const NamedKernel &k : kernels) {
+                        Bytes out(blocks * 8 + 1, 0);
+                        k.kernel(rounds, buffer.data() + 1, out.data() + 1, blocks, key, encipher);
+                        EXPECT_EQ(Bytes(out.begin() + 1, out.end()), expected)
+                            << k.name << ", seed " << seed << ", trial " << trial << ", blocks " << blocks
+                            << ", rounds " << rounds << (encipher ? ", enciphering" : ", deciphering");
+                        // In place as well.
+                        Bytes inPlace = buffer;
+                        k.kernel(rounds, inPlace.data() + 1, inPlace.data() + 1, blocks, key, encipher);
+                        EXPECT_EQ(Bytes(inPlace.begin() + 1, inPlace.end()), expected)
+                            << k.name << " in place, seed " << seed << ", trial " << trial;
+                    }
+                }
+            }
+        }
+    }
+}
+
+TEST(TarnXteaKernelsTest, XteaBlockMatchesTheOneBlockRoutineOnRandomLengths) {
+    const unsigned seed = 8u;
+    std::mt19937 random(seed);
+    for (int trial = 0; trial < 200; ++trial) {
+        std::uint32_t key[4];
+        for (std::uint32_t &word : key) {
+            word = static_cast<std::uint32_t>(random());
+        }
+        const std::size_t blocks = random() % 300;
+        Bytes input(blocks * 8);
+        for (unsigned char &b : input) {
+            b = static_cast<unsigned char>(random());
+        }
+        const bool encipher = (random() & 1) != 0;
+        Bytes out(input.size());
+        ASSERT_TRUE(TarnCrypt::xteaBlock(32, input.data(), static_cast<unsigned int>(input.size()),
+                                         out.data(), key, encipher));
+        EXPECT_EQ(out, oneBlockAtATime(32, input, key, encipher))
+            << "seed " << seed << ", trial " << trial << ", blocks " << blocks;
+    }
+}
+
+} // namespace
