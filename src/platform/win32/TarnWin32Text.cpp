@@ -4,7 +4,6 @@
 #include <windows.h>
 
 #include <stdio.h>
-#include <string.h>
 
 namespace tarn {
 namespace platform {
@@ -23,10 +22,6 @@ int formatBounded(char *buffer, std::size_t capacity, const char *format, va_lis
         return kFormatDidNotFit;
     }
     return written;
-}
-
-int compareNoCase(const char *left, const char *right) {
-    return ::_stricmp(left, right);
 }
 
 void writeDefaultDebugText(const char *text) {
