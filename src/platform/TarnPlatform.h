@@ -33,6 +33,7 @@ int formatBounded(char *buffer, std::size_t capacity, const char *format, va_lis
 
 /// Compares two NUL-terminated texts with the letters A-Z folded to a-z, bytes as unsigned
 /// values. Returns a negative, zero or positive value; only the sign has a meaning.
+/// (One implementation serves every platform: src/platform/TarnTextCompare.cpp.)
 int compareNoCase(const char *left, const char *right);
 
 // ---- Debug text channel ------------------------------------------------------------------------

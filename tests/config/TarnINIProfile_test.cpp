@@ -160,17 +160,22 @@ TEST(TarnINIFileTest, WritesStoreTheirTextForms) {
     file->writePrivateProfileBool("s", "bool", false);
     file->writePrivateProfileBOOL("s", "BOOL", 2);
     file->writePrivateProfileString("s", "text", " as is\n");
-    EXPECT_EQ(modelOf(*file), (Model{{"s",
-                                      {{"float", "0.100000"},
-                                       {"double", "1234.500000000000000"},
-                                       {"exp", "1.234500000000000e+03"},
-                                       {"expg", "1234.5"},
-                                       {"int", "-42"},
-                                       {"hex", "ffffffff"},
-                                       {"hex255", "ff"},
-                                       {"bool", "false"},
-                                       {"BOOL", "true"},
-                                       {"text", " as is\n"}}}}));
+    Model model = modelOf(*file);
+    // A runtime whose formatter gives three exponent digits writes e+003: both forms are right.
+    if (model["s"]["exp"] == "1.234500000000000e+003") {
+        model["s"]["exp"] = "1.234500000000000e+03";
+    }
+    EXPECT_EQ(model, (Model{{"s",
+                             {{"float", "0.100000"},
+                              {"double", "1234.500000000000000"},
+                              {"exp", "1.234500000000000e+03"},
+                              {"expg", "1234.5"},
+                              {"int", "-42"},
+                              {"hex", "ffffffff"},
+                              {"hex255", "ff"},
+                              {"bool", "false"},
+                              {"BOOL", "true"},
+                              {"text", " as is\n"}}}}));
     int hex = 0;
     file->getPrivateProfileHex("s", "hex", 0, hex);
     EXPECT_EQ(hex, -1);

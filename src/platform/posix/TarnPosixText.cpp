@@ -27,20 +27,6 @@ int formatBounded(char *buffer, std::size_t capacity, const char *format, va_lis
     return written;
 }
 
-int compareNoCase(const char *left, const char *right) {
-    // Folding by hand keeps the C locale's meaning whatever locale the application selected.
-    const auto fold = [](unsigned char byte) -> int {
-        return (byte >= 'A' && byte <= 'Z') ? byte + ('a' - 'A') : byte;
-    };
-    const auto *l = reinterpret_cast<const unsigned char *>(left);
-    const auto *r = reinterpret_cast<const unsigned char *>(right);
-    while (*l != 0 && fold(*l) == fold(*r)) {
-        ++l;
-        ++r;
-    }
-    return fold(*l) - fold(*r);
-}
-
 void writeDefaultDebugText(const char *text) {
     // One write call per text, so that texts from several threads do not interleave mid-line.
     std::size_t remaining = std::strlen(text);
