@@ -11,6 +11,10 @@ TarnLUDecomposition::TarnLUDecomposition(const TarnMatrix &matrix)
       pivots(new std::int32_t[static_cast<std::size_t>(matrix.nRows())]) {
     matrix.transpose(columns);
     std::iota(pivots.get(), pivots.get() + m, 0);
+    if (m <= kSmallOrder && n <= kSmallOrder) {
+        factorSmall();
+        return;
+    }
     const std::size_t height = static_cast<std::size_t>(m);
     std::unique_ptr<double[]> scratch(new double[height * tarn::linalg::kMaxTargets]);
     for (int first = 0; first < n; first += tarn::linalg::kMaxTargets) {
@@ -27,6 +31,52 @@ TarnLUDecomposition::TarnLUDecomposition(const TarnMatrix &matrix)
         addTerms(block, 0, block.count, 0, std::min(first, m));
         for (int c = 0; c < block.count; ++c) {
             finishColumn(block, c);
+        }
+    }
+}
+
+void TarnLUDecomposition::factorSmall() {
+    // sums[j][i] gathers the terms of element (i, j) as they become known, in rising k from 0.0:
+    // once row k of U and column k of L are final, term k goes to every element below and right
+    // of them in one independent multiply and add each. An element is final when it has all its
+    // terms: its value is the input value minus its sum, as the dot-product form computes it.
+    // The sums live on the stack: a small system allocates no scratch.
+    double sums[kSmallOrder][kSmallOrder] = {};
+    for (int k = 0; k < n && k < m; ++k) {
+        double *column = columns[k];
+        // Rows at and below k of column k are final: they have the terms of all k rows above.
+        for (int i = k; i < m; ++i) {
+            column[i] -= sums[k][i];
+        }
+        // Find the pivot: the first row of strictly greatest magnitude; a NaN never wins.
+        int pivot = k;
+        for (int i = k + 1; i < m; ++i) {
+            if (std::fabs(column[pivot]) < std::fabs(column[i])) {
+                pivot = i;
+            }
+        }
+        if (pivot != k) {
+            for (int col = 0; col < n; ++col) {
+                std::swap(columns[col][pivot], columns[col][k]);
+                std::swap(sums[col][pivot], sums[col][k]);
+            }
+            std::swap(pivots[pivot], pivots[k]);
+        }
+        // Divide the column below the diagonal by the pivot; an exact zero pivot skips this.
+        if (column[k] != 0.0) {
+            for (int i = k + 1; i < m; ++i) {
+                column[i] /= column[k];
+            }
+        }
+        // Row k of every later column is final; its term goes to the rows below.
+        for (int j = k + 1; j < n; ++j) {
+            double *later = columns[j];
+            const double value = later[k] - sums[j][k];
+            later[k] = value;
+            double *target = sums[j];
+            for (int i = k + 1; i < m; ++i) {
+                target[i] += column[i] * value;
+            }
         }
     }
 }
@@ -126,6 +176,10 @@ bool TarnLUDecomposition::solveFor(const TarnMatrix &rhs, TarnMatrix &result) co
     }
     const int nx = rhs.nCols();
     rhs.getMatrix(result, pivots.get(), m, 0, nx - 1);
+    if (nx == 1) {
+        substituteColumn(result[0]);
+        return true;
+    }
     // Forward pass: L x Y = P x rhs, L with its unit diagonal.
     for (int k = 0; k < n; ++k) {
         const double *source = result[k];
@@ -153,4 +207,25 @@ bool TarnLUDecomposition::solveFor(const TarnMatrix &rhs, TarnMatrix &result) co
         }
     }
     return true;
+}
+
+void TarnLUDecomposition::substituteColumn(double *x) const {
+    // The passes of solveFor for one right-hand column, which lies contiguous in memory: each
+    // element receives the same updates in the same order, and the updates of one pass step are
+    // independent, in contiguous runs of a factor column.
+    for (int k = 0; k < n; ++k) {
+        const double source = x[k];
+        const double *multipliers = columns[k];
+        for (int i = k + 1; i < n; ++i) {
+            x[i] -= source * multipliers[i];
+        }
+    }
+    for (int k = n - 1; k >= 0; --k) {
+        x[k] /= factor(k, k);
+        const double source = x[k];
+        const double *multipliers = columns[k];
+        for (int i = 0; i < k; ++i) {
+            x[i] -= source * multipliers[i];
+        }
+    }
 }

@@ -21,8 +21,8 @@
 /// run of m doubles per column of the block. A local object of one call; one thread.
 class TarnLUDecomposition {
 public:
-    /// Factorizes `matrix`. Allocates the factors, m pivot indices, and one scratch block of 4 x m
-    /// doubles that is released before the constructor returns.
+    /// Factorizes `matrix`. Allocates the factors, m pivot indices, and (above kSmallOrder rows or
+    /// columns) one scratch block of 4 x m doubles that is released before the constructor returns.
     explicit TarnLUDecomposition(const TarnMatrix &matrix);
 
     /// Solves against the factors: `result` becomes the m x nx solution for the nx columns of
@@ -42,13 +42,22 @@ private:
         double *former[tarn::linalg::kMaxTargets] = {};
     };
 
+    /// Matrices of at most this many rows and columns are factorized by `factorSmall`.
+    static constexpr int kSmallOrder = 16;
+
     // Element (row, col) of the factors.
     double factor(int row, int col) const { return columns[col][row]; }
+    // Factorizes a matrix of at most kSmallOrder rows and columns with each term added as soon as
+    // it is known: the same operations in the same order per element as the blocked path, without
+    // its per-block calls and heap scratch, and with independent updates that overlap.
+    void factorSmall();
     // Makes rows kBegin .. kEnd - 1 final in columns block.first + firstTarget and on (targets of
     // them), each row passing its term to every later row of those columns.
     void addTerms(const ColumnBlock &block, int firstTarget, int targets, int kBegin, int kEnd);
     // Finishes column block.first + index: its own terms, pivot, exchange and division.
     void finishColumn(ColumnBlock &block, int index);
+    // The forward and backward passes of solveFor on one contiguous column x of n doubles.
+    void substituteColumn(double *x) const;
     // Exchanges rows first and second of the factors over all columns, of the former values of the
     // block, and their pivot entries.
     void exchangeRows(ColumnBlock &block, int first, int second);

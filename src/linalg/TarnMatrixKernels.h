@@ -4,8 +4,9 @@
 // Every kernel gives, element for element, the bits of the plain loop it replaces: each result
 // element is summed over k in rising order from an accumulator of 0.0, one multiply and one add
 // per term, never fused and never regrouped. Speed comes only from working on several result
-// elements at once (vector lanes or registers) and from walking memory contiguously. The AVX2
-// forms are chosen at run time when the processor has AVX2; the portable forms run everywhere.
+// elements at once (vector lanes or registers) and from walking memory contiguously. The AVX-512
+// and AVX2 forms are chosen at run time, the widest the processor has; the portable forms run
+// everywhere. Only the count of lanes differs between them, never an operation or its order.
 
 namespace tarn {
 namespace linalg {
@@ -20,6 +21,10 @@ void multiplyPortable(const double *a, const double *b, double *c, int m, int p,
 
 /// `multiply` on the AVX2 path; call it only when `hasAvx2` is true.
 void multiplyAvx2(const double *a, const double *b, double *c, int m, int p, int n);
+
+/// `multiply` on the AVX-512 path (panels of 16 columns, 8 rows at a time); call it only when
+/// `hasAvx512` is true.
+void multiplyAvx512(const double *a, const double *b, double *c, int m, int p, int n);
 
 /// The most terms and the most targets that one `addScaledTerms` call takes.
 constexpr int kMaxTerms = 4;
@@ -41,11 +46,18 @@ void addScaledTermsPortable(double *const *y, int targets, const double *const *
 void addScaledTermsAvx2(double *const *y, int targets, const double *const *x, const double *factors,
                         int terms, int count);
 
+/// `addScaledTerms` on the AVX-512 path; call it only when `hasAvx512` is true.
+void addScaledTermsAvx512(double *const *y, int targets, const double *const *x, const double *factors,
+                          int terms, int count);
+
 /// Adds x[i] * factor to y[i] for i below count: `addScaledTerms` with one target and one term.
 void addScaled(double *y, const double *x, double factor, int count);
 
 /// Returns true when the AVX2 kernels can run on this processor (and the build has them).
 bool hasAvx2();
+
+/// Returns true when the AVX-512 kernels can run on this processor (and the build has them).
+bool hasAvx512();
 
 } // namespace linalg
 } // namespace tarn

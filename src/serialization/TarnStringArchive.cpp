@@ -5,6 +5,7 @@
 #include "serialization/TarnSectionWalk.h"
 #include "tarn/serialization/TarnSerializable.h"
 
+#include <cstdint>
 #include <cstring>
 #include <utility>
 #include <vector>
@@ -22,6 +23,36 @@ std::size_t boundedLength(const char *text, std::size_t limit) {
 // True for the three bytes that carry the structure of the text.
 bool isStructural(char byte) {
     return byte == '{' || byte == '}' || byte == ';';
+}
+
+// Eight bytes at a time, as one unsigned word.
+using Word = std::uint64_t;
+constexpr Word kOnes = ~Word(0) / 0xFF; // 0x0101...01
+constexpr Word kHighs = kOnes * 0x80;   // 0x8080...80
+
+// True when some byte of `word` is zero: the borrow of a zero byte sets its high bit, and a byte
+// whose own high bit is set is masked out; a zero byte is never missed.
+bool hasZeroByte(Word word) {
+    return ((word - kOnes) & ~word & kHighs) != 0;
+}
+
+// Returns the position of the first structural byte at or after `position`, or `length`. Words
+// without one are skipped whole; a word that may hold one is looked at byte by byte. A long
+// token text (the values of a large block of numbers) is passed over at several bytes per step.
+std::int64_t findStructural(const char *bytes, std::int64_t position, std::int64_t length) {
+    while (length - position >= static_cast<std::int64_t>(sizeof(Word))) {
+        Word word;
+        std::memcpy(&word, bytes + position, sizeof word);
+        if (hasZeroByte(word ^ (kOnes * '{')) || hasZeroByte(word ^ (kOnes * '}')) ||
+            hasZeroByte(word ^ (kOnes * ';'))) {
+            break;
+        }
+        position += static_cast<std::int64_t>(sizeof(Word));
+    }
+    while (position < length && !isStructural(bytes[position])) {
+        ++position;
+    }
+    return position;
 }
 
 } // namespace
@@ -131,10 +162,7 @@ void TarnStringArchive::parseSection(TarnArchive &section) {
             lastDelimiter = position++;
         } else {
             // Any other byte belongs to a name or a token text: skip the whole run at once.
-            ++position;
-            while (position < length && !isStructural(bytes[position])) {
-                ++position;
-            }
+            position = findStructural(bytes, position + 1, length);
         }
     }
 }

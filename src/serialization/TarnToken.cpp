@@ -44,28 +44,27 @@ void forEachPiece(const char *first, const char *last, unsigned int count, Reade
 }
 
 // Makes `text` the list form of `count` doubles: each by "%.18e" and a blank. The values are
-// formatted straight into the string's storage, a block at a time, so that no size computation
-// can overflow on a 32-bit build: a list too long for memory fails in the string's own resize.
+// formatted into a small buffer that stays in the nearest cache and appended a chunk at a time to
+// the string, reserved once for the longest form: no byte of the string is written twice, and no
+// size computation can overflow on a 32-bit build (a list too long for memory fails in the
+// string's own append).
 void writeDoubleList(TarnString &text, const double *values, unsigned int count) {
     constexpr std::size_t perValue = nt::kMaxScientificLength + 1;
-    constexpr unsigned int block = 65536;
+    constexpr unsigned int chunkValues = 256;
     text.clear();
     if (count <= text.max_size() / perValue) {
         text.reserve(static_cast<std::size_t>(count) * perValue);
     }
-    std::size_t used = 0;
-    for (unsigned int first = 0; first < count; first += std::min(block, count - first)) {
-        const unsigned int n = std::min(block, count - first);
-        text.resize(used + n * perValue);
-        char *const begin = &text[0u];
-        char *out = begin + used;
-        for (unsigned int i = first; i < first + n; ++i) {
+    char chunk[chunkValues * perValue];
+    for (unsigned int first = 0; first < count; first += std::min(chunkValues, count - first)) {
+        const unsigned int last = first + std::min(chunkValues, count - first);
+        char *out = chunk;
+        for (unsigned int i = first; i < last; ++i) {
             out = nt::writeScientific(out, values[i], 18);
             *out++ = ' ';
         }
-        used = static_cast<std::size_t>(out - begin);
+        text.append(chunk, static_cast<std::size_t>(out - chunk));
     }
-    text.resize(used);
 }
 
 } // namespace

@@ -132,15 +132,20 @@ TEST_F(TarnMatrixExactnessTest, ProductKernelsGiveThePlainLoopBits) {
                 const TarnMatrix b = randomMatrix(generator, p, n);
                 const Values expected = plainTimes(a, b);
                 EXPECT_TRUE(sameBits(valuesOf(a * b), expected)) << "library dispatch";
-                auto kernels = {tarn::linalg::multiplyPortable, tarn::linalg::multiplyAvx2};
-                for (auto kernel : kernels) {
-                    if (kernel == tarn::linalg::multiplyAvx2 && !tarn::linalg::hasAvx2()) {
-                        continue;
+                struct Path {
+                    void (*kernel)(const double *, const double *, double *, int, int, int);
+                    bool available;
+                    const char *name;
+                };
+                const Path paths[] = {{tarn::linalg::multiplyPortable, true, "portable"},
+                                      {tarn::linalg::multiplyAvx2, tarn::linalg::hasAvx2(), "AVX2"},
+                                      {tarn::linalg::multiplyAvx512, tarn::linalg::hasAvx512(), "AVX-512"}};
+                for (const Path &path : paths) {
+                    if (path.available) {
+                        Values c(expected.size(), -1.0);
+                        path.kernel(valuesOf(a).data(), valuesOf(b).data(), c.data(), m, p, n);
+                        EXPECT_TRUE(sameBits(c, expected)) << path.name;
                     }
-                    Values c(expected.size(), -1.0);
-                    kernel(valuesOf(a).data(), valuesOf(b).data(), c.data(), m, p, n);
-                    EXPECT_TRUE(sameBits(c, expected))
-                        << (kernel == tarn::linalg::multiplyAvx2 ? "AVX2" : "portable");
                 }
             }
         }
@@ -155,7 +160,10 @@ TEST_F(TarnMatrixExactnessTest, ScaledRowUpdateKernelsGiveThePlainLoopBits) {
     if (tarn::linalg::hasAvx2()) {
         kernels.push_back(tarn::linalg::addScaledTermsAvx2);
     }
-    for (int count : {0, 1, 3, 7, 8, 17, 64, 129}) {
+    if (tarn::linalg::hasAvx512()) {
+        kernels.push_back(tarn::linalg::addScaledTermsAvx512);
+    }
+    for (int count : {0, 1, 3, 7, 8, 15, 17, 64, 129}) {
         for (int targets = 1; targets <= kMaxTargets; ++targets) {
             for (int terms = 1; terms <= kMaxTerms; ++terms) {
                 SCOPED_TRACE(testing::Message() << "seed " << kSeed << ", count " << count << ", " << targets
@@ -188,22 +196,44 @@ TEST_F(TarnMatrixExactnessTest, ScaledRowUpdateKernelsGiveThePlainLoopBits) {
     }
 }
 
+// The transpose walks tiles: every shape across and beyond the tile edges must move each element.
+TEST_F(TarnMatrixExactnessTest, TransposeMovesEveryElementAcrossTileEdges) {
+    for (int rows : {1, 15, 16, 17, 40}) {
+        for (int cols : {1, 16, 33}) {
+            const TarnMatrix a = randomMatrix(generator, rows, cols);
+            TarnMatrix t;
+            ASSERT_TRUE(a.transpose(t));
+            ASSERT_EQ(t.nRows(), cols);
+            ASSERT_EQ(t.nCols(), rows);
+            for (int i = 0; i < rows; ++i) {
+                for (int j = 0; j < cols; ++j) {
+                    ASSERT_EQ(t[j][i], a[i][j]) << rows << " x " << cols << " at " << i << ", " << j;
+                }
+            }
+        }
+    }
+}
+
 TEST_F(TarnMatrixExactnessTest, SolveAndInvertGiveThePlainFactorizationBits) {
-    for (int n : kSizes) {
+    // The awkward sizes, and orders on both sides of the small-system path's limit.
+    for (int n : {1, 3, 10, 15, 16, 17, 64, 129}) {
         for (bool ties : {false, true}) {
             SCOPED_TRACE(testing::Message()
                          << "seed " << kSeed << ", order " << n << (ties ? ", with ties" : ""));
             const TarnMatrix a = randomMatrix(generator, n, n, ties);
             TarnMatrix unit;
             unit.identity(n);
+            // One right-hand column takes its own substitution path; two take the general one.
+            const TarnMatrix column = randomMatrix(generator, n, 1);
             const TarnMatrix rhs = randomMatrix(generator, n, 2);
-            for (bool inverting : {false, true}) { // the inverse solves for the identity
+            for (int task : {0, 1, 2}) { // solve for one column, for two, invert (solve for the identity)
+                const TarnMatrix &b = task == 0 ? column : task == 1 ? rhs : unit;
                 Values expected;
-                const bool solvable = plainSolve(a, inverting ? unit : rhs, expected);
+                const bool solvable = plainSolve(a, b, expected);
                 TarnMatrix x;
-                ASSERT_EQ(inverting ? a.invert(x) : a.solve(x, rhs), solvable) << "inverting " << inverting;
+                ASSERT_EQ(task == 2 ? a.invert(x) : a.solve(x, b), solvable) << "task " << task;
                 if (solvable) {
-                    EXPECT_TRUE(sameBits(valuesOf(x), expected)) << "inverting " << inverting;
+                    EXPECT_TRUE(sameBits(valuesOf(x), expected)) << "task " << task;
                 }
             }
         }

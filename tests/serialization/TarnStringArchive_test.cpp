@@ -60,6 +60,24 @@ TEST(TarnStringArchiveTest, ParserReadsEveryTextAsItsRulesSay) {
     }
 }
 
+// The parser passes over long runs several bytes at a time: every structural byte must be found
+// wherever it falls in such a step, also next to bytes with the high bit set.
+TEST(TarnStringArchiveTest, StructuralBytesAreFoundAtEveryOffset) {
+    for (const char filler : {'v', '\xFF'}) {
+        for (std::size_t run = 0; run <= 24; ++run) {
+            for (const char *tail : {";", "}", "{"}) {
+                const std::string value(run, filler);
+                const std::string text = "A{x=" + value + tail + "y=1;}";
+                const std::string expected = std::string(tail) == ";"   ? "A{x=" + value + ";y=1;}"
+                                             : std::string(tail) == "}" ? "A{y=1;}"
+                                                                        : "A{x=" + value + "{y=1;}}";
+                EXPECT_EQ(parsedTree(text), expected)
+                    << "run " << run << " of " << int(filler) << " then " << tail;
+            }
+        }
+    }
+}
+
 TEST(TarnStringArchiveTest, SectionsComeBackWithTheirParents) {
     InspectedArchive archive;
     archive.setText("R{a{a1{}a2{}}b{x=1;}}");
