@@ -2,6 +2,7 @@
 #include "config/TarnINITestSupport.h"
 
 #include <cstdint>
+#include <cstdio>
 #include <fstream>
 #include <iterator>
 #include <random>
@@ -201,6 +202,35 @@ TEST(TarnINIFileTest, LongKeysAndValuesHaveNoLimit) {
     auto file = makeINIFile();
     ASSERT_TRUE(loadBytes(*file, "[s]\n" + key + "=" + value + "\n"));
     EXPECT_TRUE(modelOf(*file) == (Model{{"s", {{key, value}}}})) << "a 1 MiB key with a 3 MiB value";
+}
+
+// A 200-megabyte file loads whole: 200 sections of 1,000 keys with values of 1,000 bytes.
+TEST(TarnINIFileTest, HugeTwoHundredMegabyteFileLoads) {
+    const std::string path = scratchPath("huge");
+    {
+        std::ofstream stream(path, std::ios::binary | std::ios::trunc);
+        const std::string value(1000, 'v');
+        for (int section = 0; section < 200; ++section) {
+            std::string text = "[s" + std::to_string(section) + "]\n";
+            for (int key = 0; key < 1000; ++key) {
+                text += "k" + std::to_string(key) + "=" + value + "\n";
+            }
+            stream << text;
+        }
+        ASSERT_TRUE(stream.good());
+    }
+    auto file = makeINIFile();
+    ASSERT_TRUE(file->read(path.c_str()));
+    std::remove(path.c_str());
+    ASSERT_EQ(file->size(), 200u);
+    std::size_t keys = 0;
+    for (auto &section : *file) {
+        keys += section.second.size();
+    }
+    EXPECT_EQ(keys, 200000u);
+    TarnString last;
+    file->getPrivateProfileString("s199", "k999", "", last);
+    EXPECT_EQ(std::string(last), std::string(1000, 'v'));
 }
 
 } // namespace
