@@ -87,9 +87,12 @@ TEST(TarnSerializableTest, CopyCarriesTheOtherIdentityUntilReset) {
     Plain original;
     Plain assigned;
     assigned = original;
+    Plain copied(original);
     EXPECT_EQ(std::string(assigned.get("this")), pointerText(&original));
+    EXPECT_EQ(copied.getOldPointer(), &original);
     assigned.resetPointers();
     EXPECT_EQ(std::string(assigned.get("this")), pointerText(&assigned));
+    EXPECT_EQ(&assigned.getParent(), &assigned) << "without a parent an object answers itself";
 }
 
 // A link of a chain in which each link contains the next. The library's store and restore path
