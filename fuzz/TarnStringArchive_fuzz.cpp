@@ -1,5 +1,7 @@
 // Fuzz target: any bytes restored through TarnStringArchive into a record that reads tokens of
 // every type and a child node, stored back, and restored again into an equal record.
+#include "FuzzChecks.h"
+
 #include <tarn/tarn.h>
 
 #include <cmath>
@@ -11,18 +13,8 @@
 
 namespace {
 
-void check(bool condition) {
-    if (!condition) {
-        __builtin_trap();
-    }
-}
-
-bool sameDouble(double left, double right) {
-    if (std::isnan(left) || std::isnan(right)) {
-        return std::isnan(left) && std::isnan(right) && std::signbit(left) == std::signbit(right);
-    }
-    return std::memcmp(&left, &right, sizeof left) == 0;
-}
+using fuzzcheck::check;
+using fuzzcheck::sameDouble;
 
 /// A serializable with one field per token type and, at the top level, one contained record
 /// restored from the first child node.

@@ -1,5 +1,7 @@
 // Fuzz target: every typed getter of TarnToken on arbitrary text, against the C library's reading
 // and against the token's own setters.
+#include "FuzzChecks.h"
+
 #include <tarn/tarn.h>
 
 #include <cmath>
@@ -11,19 +13,8 @@
 
 namespace {
 
-void check(bool condition) {
-    if (!condition) {
-        __builtin_trap();
-    }
-}
-
-// Two doubles are the same value when their bits match, or when both are NaN of one sign.
-bool sameDouble(double left, double right) {
-    if (std::isnan(left) || std::isnan(right)) {
-        return std::isnan(left) && std::isnan(right) && std::signbit(left) == std::signbit(right);
-    }
-    return std::memcmp(&left, &right, sizeof left) == 0;
-}
+using fuzzcheck::check;
+using fuzzcheck::sameDouble;
 
 // The number strtol reads when the text's integer has at most nine digits, so that it fits.
 bool smallInteger(const char *text, long &value) {
