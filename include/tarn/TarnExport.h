@@ -1,8 +1,12 @@
-// The export macro that marks the library's public classes, functions and data.
+/// \file
+/// The export macro that marks the library's public classes, functions and data.
 #pragma once
 
-// TARN_API marks what the shared library exports. The library builds with hidden visibility, so
-// anything public that lacks the macro fails to link on every platform, not only on Windows.
+/// \def TARN_API
+/// Marks what the shared library exports: every public class, free function and static data
+/// member carries it. The library builds with hidden visibility, so anything public that lacks
+/// the macro fails to link on every platform, not only on Windows. In a static build TARN_STATIC,
+/// which the CMake package and tarn.pc then define, makes it empty.
 #if defined(TARN_STATIC)
 #define TARN_API
 #elif defined(_WIN32) || defined(__CYGWIN__)

@@ -1,4 +1,5 @@
-// Umbrella header: includes every public header of the Tarn library.
+/// \file
+/// Umbrella header: includes every public header of the Tarn library.
 #pragma once
 
 #include "tarn/TarnExport.h"

@@ -53,7 +53,12 @@ private:
     return ::testing::AssertionSuccess();
 }
 
-TEST(TarnThreadTest, GoesFromNeverStartedToActiveToEndedAndRestarts) {
+// Raising a priority may be refused to an unprivileged process; the thread must run all the same,
+// whatever priority it starts at (7: in the enumeration's range, outside the table; the restart
+// stress test starts at every priority of the table) or is set while it runs or after it ended.
+TEST(TarnThreadTest, GoesFromNeverStartedToActiveToEndedAndRestartsAtAnyPriority) {
+    EXPECT_EQ(std::vector<int>(TarnThread::Priorities, TarnThread::Priorities + 7),
+              (std::vector<int>{-15, -2, -1, 0, 1, 2, 15}));
     Probe probe;
     GatedThread thread(probe);
     thread.setPriority(TarnThread::Highest); // no thread yet: does nothing
@@ -62,7 +67,11 @@ TEST(TarnThreadTest, GoesFromNeverStartedToActiveToEndedAndRestarts) {
     EXPECT_TRUE(thread.wait(0));
     EXPECT_TRUE(thread.wait(0xFFFFFFFFul));
     for (int round = 1; round <= 3; ++round) {
-        ASSERT_TRUE(startAndAwaitRun(thread, probe, TarnThread::Normal, round));
+        const auto priority = static_cast<TarnThread::Priority>(round == 3 ? 7 : TarnThread::Normal);
+        ASSERT_TRUE(startAndAwaitRun(thread, probe, priority, round));
+        for (int other = 0; other <= 7; ++other) {
+            thread.setPriority(static_cast<TarnThread::Priority>(other));
+        }
         EXPECT_TRUE(thread.running());
         EXPECT_FALSE(thread.finished());
         EXPECT_FALSE(thread.wait(0)); // polls without blocking
@@ -73,47 +82,12 @@ TEST(TarnThreadTest, GoesFromNeverStartedToActiveToEndedAndRestarts) {
         EXPECT_TRUE(thread.finished());
         EXPECT_EQ(probe.begun.count(), round);
     }
+    thread.setPriority(TarnThread::Highest);
+    EXPECT_TRUE(thread.finished());
     EXPECT_EQ(probe.sawItselfActive.load(), 3) << "run began before the handle was in place";
     EXPECT_NE(probe.runThread, std::this_thread::get_id());
     EXPECT_EQ(thread.getClassName(), "TarnThread");
     EXPECT_TRUE(thread.isa("TarnThread"));
-}
-
-// Raising a priority may be refused to an unprivileged process; the thread must run all the
-// same, whatever priority is set while it runs or after it ended.
-TEST(TarnThreadTest, EveryPriorityStartsAThreadThatRuns) {
-    EXPECT_EQ(std::vector<int>(TarnThread::Priorities, TarnThread::Priorities + 7),
-              (std::vector<int>{-15, -2, -1, 0, 1, 2, 15}));
-    for (int level = 0; level <= 7; ++level) { // 7: in the enumeration's range, outside the table
-        Probe probe;
-        GatedThread thread(probe);
-        ASSERT_TRUE(startAndAwaitRun(thread, probe, static_cast<TarnThread::Priority>(level)));
-        for (int other = 0; other <= 7; ++other) {
-            thread.setPriority(static_cast<TarnThread::Priority>(other));
-        }
-        probe.gate.release(1);
-        ASSERT_TRUE(thread.wait(kGenerousMs)) << "priority " << level;
-        thread.setPriority(TarnThread::Highest);
-        EXPECT_TRUE(thread.finished());
-    }
-}
-
-TEST(TarnThreadTest, AnyThreadMayWaitForTheEnd) {
-    Probe probe;
-    GatedThread thread(probe);
-    ASSERT_TRUE(startAndAwaitRun(thread, probe));
-    std::atomic<int> ended{0};
-    tarntest::FunctionThread waiters[] = {
-        tarntest::FunctionThread([&] { ended += thread.wait(kGenerousMs); }),
-        tarntest::FunctionThread([&] { ended += thread.wait(kGenerousMs); })};
-    for (auto &waiter : waiters) {
-        ASSERT_TRUE(waiter.start(TarnThread::Normal));
-    }
-    probe.gate.release(1);
-    for (auto &waiter : waiters) {
-        ASSERT_TRUE(waiter.wait(kGenerousMs));
-    }
-    EXPECT_EQ(ended.load(), 2);
 }
 
 TEST(TarnThreadTest, BeginThreadRunsRunOnTheCallingThreadAndReturnsZero) {
@@ -149,7 +123,7 @@ TEST(TarnThreadTest, SleepsLastAtLeastTheirTimeAndSecondsWrapIn32Bits) {
     EXPECT_GE(thread.sleepMs, 704);
 }
 
-TEST(TarnThreadTest, CopiesReferToTheSameSystemThread) {
+TEST(TarnThreadTest, CopiesReferToTheSameSystemThreadAndAnyThreadMayWaitForIt) {
     Probe probe;
     GatedThread thread(probe);
     ASSERT_TRUE(startAndAwaitRun(thread, probe));
@@ -164,8 +138,18 @@ TEST(TarnThreadTest, CopiesReferToTheSameSystemThread) {
     const GatedThread &alias = assigned;
     assigned = alias; // assigning to itself keeps the reference
     EXPECT_TRUE(assigned.running());
+    std::atomic<int> ended{0};
+    tarntest::FunctionThread waiters[] = {
+        tarntest::FunctionThread([&] { ended += thread.wait(kGenerousMs); }),
+        tarntest::FunctionThread([&] { ended += assigned.wait(kGenerousMs); })};
+    for (auto &waiter : waiters) {
+        ASSERT_TRUE(waiter.start(TarnThread::Normal));
+    }
     probe.gate.release(1);
-    ASSERT_TRUE(thread.wait(kGenerousMs));
+    for (auto &waiter : waiters) {
+        ASSERT_TRUE(waiter.wait(kGenerousMs));
+    }
+    EXPECT_EQ(ended.load(), 2);
     EXPECT_TRUE(assigned.finished());
     EXPECT_EQ(probe.begun.count(), 1);
 }

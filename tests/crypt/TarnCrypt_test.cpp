@@ -5,9 +5,11 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
+#include <initializer_list>
 #include <string>
+#include <tuple>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -49,13 +51,6 @@ Bytes rc4Encrypt(const Bytes &key, const Bytes &data) {
     return out;
 }
 
-bool littleEndian() {
-    const std::uint32_t one = 1;
-    unsigned char first = 0;
-    std::memcpy(&first, &one, 1);
-    return first == 1;
-}
-
 // ---- Identity -----------------------------------------------------------------------------------
 
 // A concrete class below TarnCrypt, to reach its non-virtual identity through a TarnCrypt reference.
@@ -91,11 +86,8 @@ TEST(TarnCryptTest, Rc4EncryptMatchesWellKnownShortVectors) {
     };
     const Vector vectors[] = {
         {bytesOf("Key"), bytesOf("Plaintext"), "bbf316e8d940af0ad3"},
-        {bytesOf("Wiki"), bytesOf("pedia"), "1021bf0420"},
         {bytesOf("Secret"), bytesOf("Attack at dawn"), "45a01f645fc35b383552544b9bf5"},
         {fromHex("0123456789abcdef"), fromHex("0123456789abcdef"), "75b7878099e0c596"},
-        {fromHex("0123456789abcdef"), fromHex("0000000000000000"), "7494c2e7104b0879"},
-        {fromHex("0000000000000000"), fromHex("0000000000000000"), "de188941a3375d3a"},
         {fromHex("ef012345"), fromHex("00000000000000000000"), "d6a141a7ec3c38dfbd61"},
     };
     for (const Vector &v : vectors) {
@@ -105,28 +97,18 @@ TEST(TarnCryptTest, Rc4EncryptMatchesWellKnownShortVectors) {
     }
 }
 
-// Key stream of RFC 6229 ("Test Vectors for the Stream Cipher RC4"), 40-bit key 0x0102030405: the
-// 16 bytes at every offset of its table, up to 4096.
+// Key stream of RFC 6229 ("Test Vectors for the Stream Cipher RC4"), 40-bit key 0x0102030405: a
+// subset of its offsets, on both sides of the first wraps of the state index and at the end.
 TEST(TarnCryptTest, Rc4KeyStreamMatchesRfc6229) {
-    struct Row {
-        int offset;
-        const char *bytes;
+    const std::pair<int, const char *> rows[] = {
+        {0, "b2396305f03dc027ccc3524a0a1118a8"},   {240, "28cb1132c96ce286421dcaadb8b69eae"},
+        {256, "1cfcf62b03eddb641d77dfcf7f8d8c93"}, {496, "42b7d0cdd918a8a33dd51781c81f4041"},
+        {512, "6459844432a7da923cfb3eb4980661f6"}, {4096, "ff25b58995996707e51fbdf08b34d875"},
     };
-    const Row rows40[] = {
-        {0, "b2396305f03dc027ccc3524a0a1118a8"},    {16, "6982944f18fc82d589c403a47a0d0919"},
-        {240, "28cb1132c96ce286421dcaadb8b69eae"},  {256, "1cfcf62b03eddb641d77dfcf7f8d8c93"},
-        {496, "42b7d0cdd918a8a33dd51781c81f4041"},  {512, "6459844432a7da923cfb3eb4980661f6"},
-        {752, "ec10327bde2beefd18f9277680457e22"},  {768, "eb62638d4f0ba1fe9fca20e05bf8ff2b"},
-        {1008, "45129048e6a0ed0b56b490338f078da5"}, {1024, "30abbcc7c20b01609f23ee2d5f6bb7df"},
-        {1520, "3294f744d8f9790507e70f62e5bbceea"}, {1536, "d8729db41882259bee4f825325f5a130"},
-        {2032, "1eb14a0c13b3bf47fa2a0ba93ad45b8b"}, {2048, "cc582f8ba9f265e2b1be9112e975d2d7"},
-        {3056, "f2e30f9bd102ecbf75aaade9bc35c43c"}, {3072, "ec0e11c479dc329dc8da7968fe965681"},
-        {4080, "068326a2118416d21f9d04b2cd1ca050"}, {4096, "ff25b58995996707e51fbdf08b34d875"},
-    };
-    const Bytes stream40 = keyStream(fromHex("0102030405"), 4096 + 16);
-    for (const Row &row : rows40) {
-        const Bytes got(stream40.begin() + row.offset, stream40.begin() + row.offset + 16);
-        EXPECT_EQ(toHex(got), row.bytes) << "40-bit key, offset " << row.offset;
+    const Bytes stream = keyStream(fromHex("0102030405"), 4096 + 16);
+    for (const auto &row : rows) {
+        const Bytes got(stream.begin() + row.first, stream.begin() + row.first + 16);
+        EXPECT_EQ(toHex(got), row.second) << "offset " << row.first;
     }
 }
 
@@ -157,20 +139,14 @@ TEST(TarnCryptTest, Rc4WritesNothingForUnusableArguments) {
     const unsigned char key[1] = {'k'};
     const unsigned char data[6] = {'a', 'b', 'c', 'd', 'e', 'f'};
     Bytes out(6, 0xee);
-    struct Call {
-        const unsigned char *key;
-        int keyLength;
-        const unsigned char *data;
-        int length;
-        unsigned char *output;
-    };
-    const Call calls[] = {{key, 1, data, 0, out.data()},     {key, 1, data, -5, out.data()},
-                          {key, 0, data, 6, out.data()},     {key, -3, data, 6, out.data()},
-                          {nullptr, 1, data, 6, out.data()}, {key, 1, nullptr, 6, out.data()}};
-    for (const Call &c : calls) {
-        TarnCrypt::rc4Encrypt(c.key, c.keyLength, c.data, c.length, c.output);
-        if (c.data != nullptr) {
-            TarnCrypt::rc4(c.key, c.keyLength, c.length, c.output);
+    // Key, key length, data, length.
+    const std::tuple<const unsigned char *, int, const unsigned char *, int> calls[] = {
+        {key, 1, data, 0},  {key, 1, data, -5},    {key, 0, data, 6},
+        {key, -3, data, 6}, {nullptr, 1, data, 6}, {key, 1, nullptr, 6}};
+    for (const auto &[k, keyLength, d, length] : calls) {
+        TarnCrypt::rc4Encrypt(k, keyLength, d, length, out.data());
+        if (d != nullptr) {
+            TarnCrypt::rc4(k, keyLength, length, out.data());
         }
     }
     TarnCrypt::rc4Encrypt(key, 1, data, 6, nullptr);
@@ -178,22 +154,30 @@ TEST(TarnCryptTest, Rc4WritesNothingForUnusableArguments) {
     EXPECT_EQ(out, Bytes(6, 0xee));
 }
 
+// Runs `cipher(input, output)` over `length` bytes that start 64 bytes into a patterned buffer,
+// once into a buffer of its own and once for each output place shifted by `shifts` inside the same
+// buffer (0: in place); every shifted result must equal the separate one.
+template <class Cipher>
+void expectTheCopiedResult(int length, std::initializer_list<int> shifts, Cipher cipher) {
+    Bytes data(static_cast<std::size_t>(length) + 128);
+    for (std::size_t i = 0; i < data.size(); ++i) {
+        data[i] = static_cast<unsigned char>(i * 13 + 5);
+    }
+    Bytes expected(static_cast<std::size_t>(length));
+    cipher(data.data() + 64, expected.data());
+    for (int shift : shifts) {
+        Bytes buffer = data;
+        cipher(buffer.data() + 64, buffer.data() + 64 + shift);
+        EXPECT_EQ(Bytes(buffer.begin() + 64 + shift, buffer.begin() + 64 + shift + length), expected)
+            << "output shifted by " << shift;
+    }
+}
+
 TEST(TarnCryptTest, Rc4EncryptInPlaceAndOverlappingGivesTheCopiedResult) {
     const Bytes key = bytesOf("overlap");
-    Bytes data(200);
-    for (std::size_t i = 0; i < data.size(); ++i) {
-        data[i] = static_cast<unsigned char>(i * 31 + 3);
-    }
-    const int base = 70;
-    const int length = 60;
-    const Bytes expected = rc4Encrypt(key, Bytes(data.begin() + base, data.begin() + base + length));
-    for (int shift : {0, 1, 7, -1, -7, 59, -59}) {
-        Bytes buffer = data;
-        TarnCrypt::rc4Encrypt(key.data(), static_cast<int>(key.size()), buffer.data() + base, length,
-                              buffer.data() + base + shift);
-        const Bytes got(buffer.begin() + base + shift, buffer.begin() + base + shift + length);
-        EXPECT_EQ(got, expected) << "output shifted by " << shift;
-    }
+    expectTheCopiedResult(60, {0, 1, 7, -1, -7, 59, -59}, [&](const unsigned char *in, unsigned char *out) {
+        TarnCrypt::rc4Encrypt(key.data(), static_cast<int>(key.size()), in, 60, out);
+    });
 }
 
 // ---- XTEA ---------------------------------------------------------------------------------------
@@ -258,7 +242,8 @@ TEST(TarnCryptTest, XteaMatchesTheSlidingWindowVectorsForOneToSixtyFourCycles) {
 }
 
 TEST(TarnCryptTest, XteaBlockReadsWordsInTheMachinesByteOrder) {
-    if (!littleEndian()) {
+    const std::uint32_t one = 1;
+    if (*reinterpret_cast<const unsigned char *>(&one) != 1) {
         GTEST_SKIP() << "the published byte vector is for little-endian words";
     }
     // W. Ehrhardt's zero-key vector with little-endian words (sci.crypt, "Testing XTEA").
@@ -269,7 +254,7 @@ TEST(TarnCryptTest, XteaBlockReadsWordsInTheMachinesByteOrder) {
     EXPECT_EQ(toHex(out), "1dd474fd24ef1c2e");
 }
 
-TEST(TarnCryptTest, XteaBlockRejectsPartialBlocksWithoutWriting) {
+TEST(TarnCryptTest, XteaBlockRejectsPartialBlocksWithoutWritingAndCopiesWithNoCycles) {
     const std::uint32_t key[4] = {1, 2, 3, 4};
     const Bytes in(16, 0x11);
     Bytes out(16, 0xee);
@@ -278,47 +263,20 @@ TEST(TarnCryptTest, XteaBlockRejectsPartialBlocksWithoutWriting) {
     EXPECT_FALSE(TarnCrypt::xteaBlock(32, nullptr, 8, out.data(), key, true));
     EXPECT_FALSE(TarnCrypt::xteaBlock(32, in.data(), 8, out.data(), nullptr, true));
     EXPECT_EQ(out, Bytes(16, 0xee));
-    EXPECT_TRUE(TarnCrypt::xteaBlock(32, in.data(), 0, out.data(), key, true));
     EXPECT_TRUE(TarnCrypt::xteaBlock(32, nullptr, 0, nullptr, key, true));
     EXPECT_EQ(out, Bytes(16, 0xee));
+    EXPECT_TRUE(TarnCrypt::xteaBlock(0, in.data(), 16, out.data(), key, true));
+    EXPECT_EQ(out, in) << "no cycles copy the words unchanged";
 }
 
-TEST(TarnCryptTest, XteaBlockIsCodebookAndRoundTripsInPlace) {
-    const std::uint32_t key[4] = {0xdeadbeef, 0x01234567, 0x89abcdef, 0xfeedface};
-    Bytes data = bytesOf("8 bytes!8 bytes!and more");
-    const Bytes original = data;
-    ASSERT_TRUE(TarnCrypt::xteaBlock(32, data.data(), 24, data.data(), key, true));
-    EXPECT_TRUE(std::equal(data.begin(), data.begin() + 8, data.begin() + 8)) << "equal blocks, equal output";
-    EXPECT_NE(data, original);
-    Bytes wrongRounds = data;
-    ASSERT_TRUE(TarnCrypt::xteaBlock(31, wrongRounds.data(), 24, wrongRounds.data(), key, false));
-    EXPECT_NE(wrongRounds, original);
-    ASSERT_TRUE(TarnCrypt::xteaBlock(32, data.data(), 24, data.data(), key, false));
-    EXPECT_EQ(data, original);
-    // No cycles copy the words unchanged.
-    Bytes copy(24);
-    ASSERT_TRUE(TarnCrypt::xteaBlock(0, original.data(), 24, copy.data(), key, true));
-    EXPECT_EQ(copy, original);
-}
-
-TEST(TarnCryptTest, XteaBlockOverlappingBuffersGiveTheCopiedResult) {
+TEST(TarnCryptTest, XteaBlockInPlaceAndOverlappingBuffersGiveTheCopiedResult) {
     const std::uint32_t key[4] = {7, 11, 13, 17};
-    Bytes data(8 * 40 + 64);
-    for (std::size_t i = 0; i < data.size(); ++i) {
-        data[i] = static_cast<unsigned char>(i * 13 + 5);
-    }
-    const unsigned int length = 8 * 40;
     for (bool encipher : {true, false}) {
-        Bytes expected(length);
-        ASSERT_TRUE(TarnCrypt::xteaBlock(32, data.data() + 32, length, expected.data(), key, encipher));
-        for (int shift : {1, 3, 8, 24, 31, -1, -8, -13, -32}) {
-            Bytes buffer = data;
-            ASSERT_TRUE(TarnCrypt::xteaBlock(32, buffer.data() + 32, length, buffer.data() + 32 + shift, key,
-                                             encipher));
-            const Bytes got(buffer.begin() + 32 + shift, buffer.begin() + 32 + shift + length);
-            EXPECT_EQ(got, expected) << "output shifted by " << shift
-                                     << (encipher ? " enciphering" : " deciphering");
-        }
+        SCOPED_TRACE(encipher ? "enciphering" : "deciphering");
+        expectTheCopiedResult(8 * 40, {0, 1, 3, 8, 24, 31, -1, -8, -13, -32},
+                              [&](const unsigned char *in, unsigned char *out) {
+                                  EXPECT_TRUE(TarnCrypt::xteaBlock(32, in, 8 * 40, out, key, encipher));
+                              });
     }
 }
 

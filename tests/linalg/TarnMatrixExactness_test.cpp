@@ -1,25 +1,25 @@
 // Tests that the fast matrix kernels give the bits of the plain loops, on random matrices.
-#include <tarn/tarn.h>
-
+#include "LinalgTestSupport.h"
 #include "linalg/TarnMatrixKernels.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <cstring>
+#include <numeric>
 #include <random>
-#include <vector>
 
 namespace {
+
+using tarntest::valuesOf;
+using Values = std::vector<double>;
 
 // Sizes that meet every remainder of the kernels' row blocks and column panels.
 const int kSizes[] = {1, 3, 17, 64, 129};
 constexpr unsigned kSeed = 20261123u;
 
-using Values = std::vector<double>;
-
-// A rows x cols matrix of uniform values in [-1, 1), or of small integers (-2, -1, 1, 2 over 4)
-// that make pivot ties and exact cancellations likely.
+// A rows x cols matrix of uniform values in [-1, 1), or of small values (+-0.25, +-0.5) that make
+// pivot ties and exact cancellations likely.
 TarnMatrix randomMatrix(std::mt19937 &generator, int rows, int cols, bool ties = false) {
     std::uniform_real_distribution<double> uniform(-1.0, 1.0);
     std::uniform_int_distribution<int> small(0, 3);
@@ -33,37 +33,24 @@ TarnMatrix randomMatrix(std::mt19937 &generator, int rows, int cols, bool ties =
     return matrix;
 }
 
-Values valuesOf(const TarnMatrix &matrix) {
-    Values values;
-    for (int i = 0; i < matrix.nRows(); ++i) {
-        values.insert(values.end(), matrix[i], matrix[i] + matrix.nCols());
-    }
-    return values;
-}
-
 // True when both blocks hold the same bits; NaNs with the same bits count as equal.
 bool sameBits(const Values &a, const Values &b) {
     return a.size() == b.size() &&
            (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(double)) == 0);
 }
 
-// The plain product: each right column copied out, then one dot product per row, k rising from 0.0.
+// The plain product: one dot product per element, k rising from 0.0. It also serves the packed
+// products: the zeros outside a stored triangle add +0.0 to a sum that is never -0.0, which
+// leaves its bits alone.
 Values plainTimes(const TarnMatrix &a, const TarnMatrix &b) {
-    const int m = a.nRows();
-    const int p = a.nCols();
-    const int n = b.nCols();
-    Values c(static_cast<std::size_t>(m) * n);
-    Values column(static_cast<std::size_t>(p));
-    for (int j = 0; j < n; ++j) {
-        for (int k = 0; k < p; ++k) {
-            column[k] = b[k][j];
-        }
-        for (int i = 0; i < m; ++i) {
+    Values c;
+    for (int i = 0; i < a.nRows(); ++i) {
+        for (int j = 0; j < b.nCols(); ++j) {
             double sum = 0.0;
-            for (int k = 0; k < p; ++k) {
-                sum += a[i][k] * column[k];
+            for (int k = 0; k < a.nCols(); ++k) {
+                sum += a[i][k] * b[k][j];
             }
-            c[static_cast<std::size_t>(i) * n + j] = sum;
+            c.push_back(sum);
         }
     }
     return c;
@@ -75,39 +62,29 @@ bool plainSolve(const TarnMatrix &a, const TarnMatrix &rhs, Values &solution) {
     const int n = a.nRows();
     TarnMatrix lu(a);
     std::vector<int> pivots(static_cast<std::size_t>(n));
+    std::iota(pivots.begin(), pivots.end(), 0);
     Values column(static_cast<std::size_t>(n));
-    for (int i = 0; i < n; ++i) {
-        pivots[i] = i;
-    }
     for (int j = 0; j < n; ++j) {
         for (int i = 0; i < n; ++i) {
             column[i] = lu[i][j];
         }
         for (int i = 0; i < n; ++i) {
-            const int kmax = std::min(i, j);
             double s = 0.0;
-            for (int k = 0; k < kmax; ++k) {
+            for (int k = 0; k < std::min(i, j); ++k) {
                 s += lu[i][k] * column[k];
             }
-            column[i] -= s;
-            lu[i][j] = column[i];
+            lu[i][j] = column[i] -= s;
         }
         int p = j;
         for (int i = j + 1; i < n; ++i) {
-            if (std::fabs(column[p]) < std::fabs(column[i])) {
-                p = i;
-            }
+            p = std::fabs(column[p]) < std::fabs(column[i]) ? i : p;
         }
         if (p != j) {
-            for (int k = 0; k < n; ++k) {
-                std::swap(lu[p][k], lu[j][k]);
-            }
+            std::swap_ranges(lu[p], lu[p] + n, lu[j]);
             std::swap(pivots[p], pivots[j]);
         }
-        if (lu[j][j] != 0.0) {
-            for (int i = j + 1; i < n; ++i) {
-                lu[i][j] /= lu[j][j];
-            }
+        for (int i = j + 1; i < n && lu[j][j] != 0.0; ++i) {
+            lu[i][j] /= lu[j][j];
         }
     }
     for (int j = 0; j < n; ++j) {
@@ -139,34 +116,6 @@ bool plainSolve(const TarnMatrix &a, const TarnMatrix &rhs, Values &solution) {
     return true;
 }
 
-// The plain normal matrix, packed in the storage order of `upper`.
-Values plainAtA(const TarnMatrix &a, bool upper) {
-    Values packed;
-    const int n = a.nCols();
-    for (int p = 0; p < n; ++p) {
-        for (int q = upper ? p : 0; q < (upper ? n : p + 1); ++q) {
-            double sum = 0.0;
-            for (int r = 0; r < a.nRows(); ++r) {
-                sum += a[r][p] * a[r][q];
-            }
-            packed.push_back(sum);
-        }
-    }
-    return packed;
-}
-
-// A random upper triangular matrix of order n, also as a dense matrix whose lower part is NaN:
-// a product that read below the diagonal would show a NaN.
-void randomUpper(std::mt19937 &generator, int n, TarnUpperTriangularMatrix &upper, TarnMatrix &dense) {
-    dense = randomMatrix(generator, n, n);
-    upper.resize(n, n);
-    for (int i = 0; i < n; ++i) {
-        for (int j = 0; j < n; ++j) {
-            j < i ? void(dense[i][j] = std::nan("")) : upper.setElement(i, j, dense[i][j]);
-        }
-    }
-}
-
 class TarnMatrixExactnessTest : public ::testing::Test {
 protected:
     void SetUp() override { RecordProperty("seed", static_cast<int>(kSeed)); }
@@ -183,15 +132,15 @@ TEST_F(TarnMatrixExactnessTest, ProductKernelsGiveThePlainLoopBits) {
                 const TarnMatrix b = randomMatrix(generator, p, n);
                 const Values expected = plainTimes(a, b);
                 EXPECT_TRUE(sameBits(valuesOf(a * b), expected)) << "library dispatch";
-                Values portable(expected.size(), -1.0);
-                tarn::linalg::multiplyPortable(valuesOf(a).data(), valuesOf(b).data(), portable.data(), m, p,
-                                               n);
-                EXPECT_TRUE(sameBits(portable, expected)) << "portable kernel";
-                if (tarn::linalg::hasAvx2()) {
-                    Values vector(expected.size(), -1.0);
-                    tarn::linalg::multiplyAvx2(valuesOf(a).data(), valuesOf(b).data(), vector.data(), m, p,
-                                               n);
-                    EXPECT_TRUE(sameBits(vector, expected)) << "AVX2 kernel";
+                auto kernels = {tarn::linalg::multiplyPortable, tarn::linalg::multiplyAvx2};
+                for (auto kernel : kernels) {
+                    if (kernel == tarn::linalg::multiplyAvx2 && !tarn::linalg::hasAvx2()) {
+                        continue;
+                    }
+                    Values c(expected.size(), -1.0);
+                    kernel(valuesOf(a).data(), valuesOf(b).data(), c.data(), m, p, n);
+                    EXPECT_TRUE(sameBits(c, expected))
+                        << (kernel == tarn::linalg::multiplyAvx2 ? "AVX2" : "portable");
                 }
             }
         }
@@ -201,50 +150,37 @@ TEST_F(TarnMatrixExactnessTest, ProductKernelsGiveThePlainLoopBits) {
 TEST_F(TarnMatrixExactnessTest, ScaledRowUpdateKernelsGiveThePlainLoopBits) {
     using tarn::linalg::kMaxTargets;
     using tarn::linalg::kMaxTerms;
-    std::uniform_real_distribution<double> uniform(-1.0, 1.0);
-    const auto fill = [&](Values &values) {
-        for (double &value : values) {
-            value = uniform(generator);
-        }
-    };
+    using Kernel = void (*)(double *const *, int, const double *const *, const double *, int, int);
+    std::vector<Kernel> kernels = {tarn::linalg::addScaledTermsPortable};
+    if (tarn::linalg::hasAvx2()) {
+        kernels.push_back(tarn::linalg::addScaledTermsAvx2);
+    }
     for (int count : {0, 1, 3, 7, 8, 17, 64, 129}) {
         for (int targets = 1; targets <= kMaxTargets; ++targets) {
             for (int terms = 1; terms <= kMaxTerms; ++terms) {
                 SCOPED_TRACE(testing::Message() << "seed " << kSeed << ", count " << count << ", " << targets
                                                 << " targets, " << terms << " terms");
-                std::vector<Values> x(kMaxTerms, Values(static_cast<std::size_t>(count)));
-                std::vector<Values> y(kMaxTargets, Values(static_cast<std::size_t>(count)));
-                Values factors(kMaxTargets * kMaxTerms);
-                for (Values &values : x) {
-                    fill(values);
-                }
-                for (Values &values : y) {
-                    fill(values);
-                }
-                fill(factors);
-                const double *sources[kMaxTerms] = {x[0].data(), x[1].data(), x[2].data(), x[3].data()};
-                // One plain pass per target and term.
-                std::vector<Values> expected = y;
-                for (int c = 0; c < targets; ++c) {
-                    for (int t = 0; t < terms; ++t) {
+                // Rows 0..3 are the sources x, rows 4..7 the targets y, row 8 the factors.
+                const int width = std::max(count, kMaxTargets * kMaxTerms);
+                const TarnMatrix random = randomMatrix(generator, 9, width);
+                const double *sources[kMaxTerms] = {random[0], random[1], random[2], random[3]};
+                const double *factors = random[8];
+                std::vector<Values> expected;
+                for (int c = 0; c < kMaxTargets; ++c) {
+                    expected.emplace_back(random[4 + c], random[4 + c] + count);
+                    for (int t = 0; t < terms && c < targets; ++t) { // one plain pass per target and term
                         for (int i = 0; i < count; ++i) {
-                            expected[c][i] += x[t][i] * factors[c * kMaxTerms + t];
+                            expected[c][i] += sources[t][i] * factors[c * kMaxTerms + t];
                         }
                     }
                 }
-                using Kernel =
-                    void (*)(double *const *, int, const double *const *, const double *, int, int);
-                std::vector<Kernel> kernels = {tarn::linalg::addScaledTermsPortable};
-                if (tarn::linalg::hasAvx2()) {
-                    kernels.push_back(tarn::linalg::addScaledTermsAvx2);
-                }
                 for (Kernel kernel : kernels) {
-                    std::vector<Values> result = y;
-                    double *targetRows[kMaxTargets] = {result[0].data(), result[1].data(), result[2].data(),
-                                                       result[3].data()};
-                    kernel(targetRows, targets, sources, factors.data(), terms, count);
+                    TarnMatrix result = random;
+                    double *targetRows[kMaxTargets] = {result[4], result[5], result[6], result[7]};
+                    kernel(targetRows, targets, sources, factors, terms, count);
                     for (int c = 0; c < kMaxTargets; ++c) {
-                        EXPECT_TRUE(sameBits(result[c], expected[c])) << "target " << c;
+                        EXPECT_TRUE(sameBits(Values(result[4 + c], result[4 + c] + count), expected[c]))
+                            << "target " << c;
                     }
                 }
             }
@@ -258,22 +194,17 @@ TEST_F(TarnMatrixExactnessTest, SolveAndInvertGiveThePlainFactorizationBits) {
             SCOPED_TRACE(testing::Message()
                          << "seed " << kSeed << ", order " << n << (ties ? ", with ties" : ""));
             const TarnMatrix a = randomMatrix(generator, n, n, ties);
-            const TarnMatrix b = randomMatrix(generator, n, 2);
-            Values expected;
-            const bool solvable = plainSolve(a, b, expected);
-            TarnMatrix x;
-            ASSERT_EQ(a.solve(x, b), solvable);
-            if (solvable) {
-                EXPECT_TRUE(sameBits(valuesOf(x), expected));
-            }
             TarnMatrix unit;
             unit.identity(n);
-            Values expectedInverse;
-            ASSERT_EQ(plainSolve(a, unit, expectedInverse), solvable);
-            TarnMatrix inverse;
-            ASSERT_EQ(a.invert(inverse), solvable);
-            if (solvable) {
-                EXPECT_TRUE(sameBits(valuesOf(inverse), expectedInverse));
+            const TarnMatrix rhs = randomMatrix(generator, n, 2);
+            for (bool inverting : {false, true}) { // the inverse solves for the identity
+                Values expected;
+                const bool solvable = plainSolve(a, inverting ? unit : rhs, expected);
+                TarnMatrix x;
+                ASSERT_EQ(inverting ? a.invert(x) : a.solve(x, rhs), solvable) << "inverting " << inverting;
+                if (solvable) {
+                    EXPECT_TRUE(sameBits(valuesOf(x), expected)) << "inverting " << inverting;
+                }
             }
         }
     }
@@ -283,47 +214,32 @@ TEST_F(TarnMatrixExactnessTest, PackedProductsGiveThePlainLoopBits) {
     for (int n : kSizes) {
         SCOPED_TRACE(testing::Message() << "seed " << kSeed << ", order " << n);
         const TarnMatrix a = randomMatrix(generator, n + 2, n);
+        // The normal matrix, read back from each stored triangle.
+        const Values normal = plainTimes(a.t(), a);
         for (int storage : {0, 1}) {
-            TarnSymmetricMatrix normal(storage);
-            EXPECT_TRUE(a.AtA(normal));
-            const Values expected = plainAtA(a, storage == 0);
-            Values packed;
+            TarnSymmetricMatrix packed(storage);
+            EXPECT_TRUE(a.AtA(packed));
+            Values stored, expected;
             for (int p = 0; p < n; ++p) {
                 for (int q = storage == 0 ? p : 0; q < (storage == 0 ? n : p + 1); ++q) {
-                    packed.push_back(normal.getElement(p, q));
+                    stored.push_back(packed.getElement(p, q));
+                    expected.push_back(normal[static_cast<std::size_t>(p) * n + q]);
                 }
             }
-            EXPECT_TRUE(sameBits(packed, expected)) << "storage " << storage;
+            EXPECT_TRUE(sameBits(stored, expected)) << "storage " << storage;
         }
-
+        // A random upper factor, also held densely with zeros below the diagonal.
+        TarnMatrix dense = randomMatrix(generator, n, n);
         TarnUpperTriangularMatrix upper;
-        TarnMatrix dense;
-        randomUpper(generator, n, upper, dense);
-        // Dense times upper: the sum for column j runs over k = 0 .. j.
-        Values expectedRight;
-        for (int i = 0; i < a.nRows(); ++i) {
-            for (int j = 0; j < n; ++j) {
-                double sum = 0.0;
-                for (int k = 0; k <= j; ++k) {
-                    sum += dense[k][j] * a[i][k];
-                }
-                expectedRight.push_back(sum);
-            }
-        }
-        EXPECT_TRUE(sameBits(valuesOf(a * upper), expectedRight));
-        // Upper times dense: the sum for row i runs over k = i .. n-1.
-        const TarnMatrix other = randomMatrix(generator, n, 5);
-        Values expectedLeft;
+        upper.resize(n, n);
         for (int i = 0; i < n; ++i) {
-            for (int j = 0; j < 5; ++j) {
-                double sum = 0.0;
-                for (int k = i; k < n; ++k) {
-                    sum += dense[i][k] * other[k][j];
-                }
-                expectedLeft.push_back(sum);
+            for (int j = 0; j < n; ++j) {
+                j < i ? void(dense[i][j] = 0.0) : upper.setElement(i, j, dense[i][j]);
             }
         }
-        EXPECT_TRUE(sameBits(valuesOf(upper * other), expectedLeft));
+        EXPECT_TRUE(sameBits(valuesOf(a * upper), plainTimes(a, dense)));
+        const TarnMatrix other = randomMatrix(generator, n, 5);
+        EXPECT_TRUE(sameBits(valuesOf(upper * other), plainTimes(dense, other)));
     }
 }
 

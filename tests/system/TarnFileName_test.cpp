@@ -24,7 +24,7 @@ struct PartsRow {
     const char *fullName;
 };
 
-TEST(TarnFileNameTest, GettersTakeEveryTableTextApart) {
+TEST(TarnFileNameTest, GettersTakeEveryTableTextApartAndTheNameAnswersAsTarnString) {
     const PartsRow rows[] = {
         {"C:\\dir\\file.txt", "C:\\dir", "file", "txt", "file.txt"},
         {"dir\\file", "dir", "file", "", "file"},
@@ -33,18 +33,15 @@ TEST(TarnFileNameTest, GettersTakeEveryTableTextApart) {
         {"\\file.txt", "", "file", "txt", "file.txt"},
         {"dir\\", "dir", "", "", ""},
         {"dir.d\\file", "dir.d", "file", "", "file"},
-        {"dir.d\\", "dir.d", "", "", ""},
         {"file.", "", "file", "", "file."},
         {".hidden", "", "", "hidden", ".hidden"},
         {"a.b.c", "", "a.b", "c", "a.b.c"},
-        {"a/b/c.txt", "", "a/b/c", "txt", "a/b/c.txt"},
         {"dir.d/file", "", "dir", "d/file", "dir.d/file"},
         {"C:/dir/file.txt", "C:", "C:/dir/file", "txt", "C:/dir/file.txt"},
         {"", "", "", "", ""},
         // A forward slash separates nothing; a drive needs two bytes.
         {"a/b.c/d", "", "a/b", "c/d", "a/b.c/d"},
         {"C:", "C:", "C:", "", "C:"},
-        {"C", "", "C", "", "C"},
     };
     for (const PartsRow &row : rows) {
         const TarnFileName name(row.text);
@@ -55,6 +52,9 @@ TEST(TarnFileNameTest, GettersTakeEveryTableTextApart) {
         EXPECT_EQ(std::string(name.getFullFileName()), row.fullName);
         EXPECT_EQ(std::string(name), row.text) << "a getter changed the text";
     }
+    // The class has no identity of its own: it answers as the text it is.
+    EXPECT_EQ(TarnFileName("x.txt").getClassName(), "TarnString");
+    EXPECT_FALSE(TarnFileName("x.txt").isa("TarnFileName"));
 }
 
 using Setter = void (TarnFileName::*)(const char *);
@@ -78,14 +78,11 @@ TEST(TarnFileNameTest, SettersRebuildEveryTableText) {
         {".hidden", setPath, "D:\\b", "D:\\b"},
         {"C:\\a\\f.txt", setFileName, "g", "C:\\a\\g.txt"},
         {"f.txt", setFileName, "g", "\\g.txt"},
-        {"C:\\a\\f", setFileName, "g", "C:\\a\\g."},
         {"C:f.txt", setFileName, "g", "C:\\g.txt"},
         {"C:\\a\\f.txt", setFileExt, "doc", "C:\\a\\f.doc"},
-        {"f.txt", setFileExt, "doc", "\\f.doc"},
         {"C:\\a\\f.txt", setFileExt, "", "C:\\a\\f."},
         {"C:\\a\\f.txt", setFileExt, ".doc", "C:\\a\\f..doc"},
         {"C:f.txt", setFileExt, "doc", "C:\\C:f.doc"},
-        {"C:\\a\\f.txt", setFullFileName, "g.doc", "C:\\a\\g.doc"},
         {"f.txt", setFullFileName, "g.doc", "\\g.doc"},
         // A dot in a directory is no extension.
         {"dir.d\\file", setFileExt, "x", "dir.d\\file.x"},
@@ -126,10 +123,7 @@ TEST(TarnFileNameTest, IncrementStepsEveryTableText) {
         {"C:\\a\\b1.c2.txt", "C:\\a\\b1.c3.txt"},
         {"C:\\a\\", "C:\\a\\"},
         {"C:\\a\\.txt", "C:\\a\\.txt"},
-        // A name of digits only keeps no stem.
-        {"C:\\a\\7.txt", "C:\\a\\8.txt"},
         // Runs beyond the range of an int step like any other.
-        {"C:\\a\\run2147483647.log", "C:\\a\\run2147483648.log"},
         {"C:\\a\\run99999999999999999999.log", "C:\\a\\run100000000000000000000.log"},
         {"C:\\a\\run00000000000000000000009.log", "C:\\a\\run00000000000000000000010.log"},
         {"", ""},
@@ -139,53 +133,33 @@ TEST(TarnFileNameTest, IncrementStepsEveryTableText) {
         name.increment();
         EXPECT_EQ(std::string(name), row.second) << "present text " << row.first;
     }
+    TarnFileName twice("C:\\a\\file.txt");
+    twice.increment();
+    twice.increment();
+    EXPECT_EQ(std::string(twice), "C:\\a\\file2.txt") << "counting on from the first digit added";
 }
 
-TEST(TarnFileNameTest, IncrementTwiceCountsOnFromTheFirstDigit) {
-    TarnFileName name("C:\\a\\file.txt");
-    name.increment();
-    name.increment();
-    EXPECT_EQ(std::string(name), "C:\\a\\file2.txt");
-}
-
-TEST(TarnFileNameTest, AnswersAsTarnString) {
-    const TarnFileName name("x.txt");
-    EXPECT_EQ(name.getClassName(), "TarnString");
-    EXPECT_TRUE(name.isa("TarnString"));
-    EXPECT_FALSE(name.isa("TarnFileName"));
-}
-
-TEST(TarnFileNameTest, QueriesOfAMissingFileGiveTheFailureValues) {
+TEST(TarnFileNameTest, NamesThatOpenNoFileGiveTheFailureValues) {
     const ScratchDirectory scratch;
-    const TarnFileName missing(scratch.file("missing.txt"));
-    EXPECT_FALSE(missing.exists());
-    EXPECT_FALSE(missing.isDirectory());
-    EXPECT_EQ(missing.getSize(), kAllSizeBits);
-    for (const int selector : {0, 1, 2, 3, 99}) {
-        EXPECT_EQ(missing.getFileTime(selector), kAllTimeBits) << "selector " << selector;
-    }
-    EXPECT_EQ(missing.getCreateTime(), kAllTimeBits);
-    EXPECT_EQ(missing.getAccessTime(), kAllTimeBits);
-    EXPECT_EQ(missing.getWriteTime(), kAllTimeBits);
-}
-
-TEST(TarnFileNameTest, QueriesTellFilesFromDirectories) {
-    const ScratchDirectory scratch;
-    const TarnFileName file(scratch.writeFile("data.bin", std::string(1234, '\x5A')));
-    const TarnFileName empty(scratch.writeFile("empty.bin", ""));
-    const TarnFileName directory(scratch.path());
-
+    const std::string data = scratch.writeFile("data.bin", std::string(1234, '\x5A'));
+    const TarnFileName file(data);
     EXPECT_TRUE(file.exists());
     EXPECT_FALSE(file.isDirectory());
     EXPECT_EQ(file.getSize(), 1234u);
-    EXPECT_TRUE(empty.exists());
-    EXPECT_EQ(empty.getSize(), 0u);
-
+    EXPECT_EQ(TarnFileName(scratch.writeFile("empty.bin", "")).getSize(), 0u);
     // A directory is no file that opens: it does not exist as one and has no size or times.
-    EXPECT_TRUE(directory.isDirectory());
-    EXPECT_FALSE(directory.exists());
-    EXPECT_EQ(directory.getSize(), kAllSizeBits);
-    EXPECT_EQ(directory.getWriteTime(), kAllTimeBits);
+    const TarnFileName names[] = {TarnFileName(scratch.file("missing.txt")), TarnFileName(scratch.path()),
+                                  TarnFileName(TarnString(data + std::string(1, '\0') + "more"))};
+    for (const TarnFileName &name : names) {
+        SCOPED_TRACE(std::string(name).c_str());
+        EXPECT_FALSE(name.exists());
+        EXPECT_EQ(name.isDirectory(), &name == &names[1]);
+        EXPECT_EQ(name.getSize(), kAllSizeBits);
+        for (const int selector : {0, 1, 2, 3, 99}) {
+            EXPECT_EQ(name.getFileTime(selector), kAllTimeBits) << "selector " << selector;
+        }
+        EXPECT_EQ(name.getCreateTime() & name.getAccessTime() & name.getWriteTime(), kAllTimeBits);
+    }
 }
 
 TEST(TarnFileNameTest, AFileThatDoesNotOpenForReadingDoesNotExist) {
@@ -200,15 +174,6 @@ TEST(TarnFileNameTest, AFileThatDoesNotOpenForReadingDoesNotExist) {
     EXPECT_EQ(name.getSize(), kAllSizeBits);
     EXPECT_EQ(name.getWriteTime(), kAllTimeBits);
     EXPECT_FALSE(name.isDirectory());
-}
-
-TEST(TarnFileNameTest, TextWithANulByteNamesNoFile) {
-    const ScratchDirectory scratch;
-    const std::string path = scratch.writeFile("data.bin", "abc");
-    const TarnFileName name(TarnString(path + std::string(1, '\0') + "more"));
-    EXPECT_FALSE(name.exists());
-    EXPECT_EQ(name.getSize(), kAllSizeBits);
-    EXPECT_EQ(name.getCreateTime(), kAllTimeBits);
 }
 
 // 100-ns ticks from 1601-01-01 to now, from the standard clock (its epoch is 1970-01-01 UTC).

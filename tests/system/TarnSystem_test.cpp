@@ -65,7 +65,7 @@ TEST(TarnSystemTest, UnityLimitsToMinusOneToOne) {
     EXPECT_TRUE(std::signbit(TarnSystem::unity(-0.0)));
 }
 
-TEST(TarnSystemTest, DirListsBareFileNamesAndLeavesDirectoriesOut) {
+TEST(TarnSystemTest, DirReplacesTheListByBareFileNamesAndLeavesDirectoriesOut) {
     const ScratchDirectory scratch;
     scratch.writeFile("a.txt", "a");
     scratch.writeFile("b.bin", "bb");
@@ -73,19 +73,11 @@ TEST(TarnSystemTest, DirListsBareFileNamesAndLeavesDirectoriesOut) {
     fs::create_directory(scratch.file("sub"));
     fs::create_directory(scratch.file("dir.d"));
     scratch.writeFile((fs::path("sub") / "inner.txt").string(), "not listed");
-
     TarnVector<TarnString> files;
     files.add() = "left over";
     TarnSystem::dir(files, scratch.path().c_str());
     EXPECT_EQ(sortedNames(files), (std::vector<std::string>{"a.txt", "b.bin", "no extension"}));
-}
-
-TEST(TarnSystemTest, DirOfAMissingDirectoryEmptiesTheVector) {
-    const ScratchDirectory scratch;
-    TarnVector<TarnString> files;
-    files.add() = "left over";
-    files.add() = "and more";
-    TarnSystem::dir(files, scratch.file("missing").c_str());
+    TarnSystem::dir(files, scratch.file("missing").c_str()); // a missing directory empties the list
     EXPECT_TRUE(files.empty());
 }
 
@@ -103,7 +95,7 @@ TEST(TarnSystemTest, MkdirCreatesOneDirectoryAndPassesFailuresSilently) {
     EXPECT_FALSE(fs::exists(scratch.file("missing")));
 }
 
-TEST(TarnSystemTest, CpCopiesEveryByteUnchanged) {
+TEST(TarnSystemTest, CpCopiesEveryByteUnchangedOverAnyTarget) {
     const ScratchDirectory scratch;
     std::string bytes;
     for (int round = 0; round < 40; ++round) {
@@ -112,36 +104,24 @@ TEST(TarnSystemTest, CpCopiesEveryByteUnchanged) {
         }
         bytes += "\r\n\n\x1A";
     }
-    const std::string source = scratch.writeFile("source.bin", bytes);
-    const std::string target = scratch.writeFile("target.bin", std::string(100000, 'x'));
-    EXPECT_TRUE(TarnSystem::cp(source.c_str(), target.c_str()));
-    EXPECT_EQ(ScratchDirectory::readFile(target), bytes);
-    EXPECT_EQ(ScratchDirectory::readFile(source), bytes);
+    for (const std::string &content : {bytes, std::string()}) {
+        const std::string source = scratch.writeFile("source.bin", content);
+        const std::string target = scratch.writeFile("target.bin", std::string(100000, 'x'));
+        EXPECT_TRUE(TarnSystem::cp(source.c_str(), target.c_str())) << content.size() << " bytes";
+        EXPECT_EQ(ScratchDirectory::readFile(target), content);
+        EXPECT_EQ(ScratchDirectory::readFile(source), content);
+    }
 }
 
-TEST(TarnSystemTest, CpOfAnEmptyFileSucceeds) {
+TEST(TarnSystemTest, CpFailsForAMissingSourceLeavingAnEmptyTargetAndRefusesTheSameText) {
     const ScratchDirectory scratch;
-    const std::string source = scratch.writeFile("empty.bin", "");
-    const std::string target = scratch.writeFile("target.bin", "old");
-    EXPECT_TRUE(TarnSystem::cp(source.c_str(), target.c_str()));
-    EXPECT_TRUE(fs::exists(target));
-    EXPECT_EQ(fs::file_size(target), 0u);
-}
-
-TEST(TarnSystemTest, CpWithAMissingSourceFailsAndLeavesAnEmptyTarget) {
-    const ScratchDirectory scratch;
-    const std::string target = scratch.writeFile("target.bin", "old content");
-    EXPECT_FALSE(TarnSystem::cp(scratch.file("missing.bin").c_str(), target.c_str()));
-    ASSERT_TRUE(fs::exists(target));
-    EXPECT_EQ(fs::file_size(target), 0u);
-
-    const std::string created = scratch.file("created.bin");
-    EXPECT_FALSE(TarnSystem::cp(scratch.file("missing.bin").c_str(), created.c_str()));
-    EXPECT_TRUE(fs::exists(created));
-}
-
-TEST(TarnSystemTest, CpOntoTheSameTextIsRefusedAndKeepsTheFile) {
-    const ScratchDirectory scratch;
+    const std::string missing = scratch.file("missing.bin");
+    for (const std::string &target :
+         {scratch.writeFile("target.bin", "old content"), scratch.file("created.bin")}) {
+        EXPECT_FALSE(TarnSystem::cp(missing.c_str(), target.c_str()));
+        ASSERT_TRUE(fs::exists(target));
+        EXPECT_EQ(fs::file_size(target), 0u);
+    }
     const std::string file = scratch.writeFile("one.bin", "precious");
     EXPECT_FALSE(TarnSystem::cp(file.c_str(), file.c_str()));
     EXPECT_EQ(ScratchDirectory::readFile(file), "precious");

@@ -1,4 +1,5 @@
-// The counting semaphore whose copies share one count.
+/// \file
+/// The counting semaphore whose copies share one count.
 #pragma once
 
 #include "tarn/TarnExport.h"

@@ -1,4 +1,5 @@
-// The base class of threads: a derived class implements run, and start runs it on a new thread.
+/// \file
+/// The base class of threads: a derived class implements run, and start runs it on a new thread.
 #pragma once
 
 #include "tarn/TarnExport.h"

@@ -1,4 +1,5 @@
-// The periodic timer that calls its listeners from a thread of its own.
+/// \file
+/// The periodic timer that calls its listeners from a thread of its own.
 #pragma once
 
 #include "tarn/TarnExport.h"

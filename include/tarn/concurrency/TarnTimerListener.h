@@ -1,4 +1,5 @@
-// The interface through which a timer calls its receivers.
+/// \file
+/// The interface through which a timer calls its receivers.
 #pragma once
 
 #include "tarn/TarnExport.h"

@@ -1,4 +1,5 @@
-// TarnINIFile: a configuration file held in memory, its loading, saving and typed accessors.
+/// \file
+/// TarnINIFile: a configuration file held in memory, its loading, saving and typed accessors.
 #pragma once
 
 #include "tarn/TarnExport.h"

@@ -1,4 +1,5 @@
-// TarnINIToken: the text value of one key of a configuration file.
+/// \file
+/// TarnINIToken: the text value of one key of a configuration file.
 #pragma once
 
 #include "tarn/TarnExport.h"

@@ -1,4 +1,5 @@
-// TarnCrypt: the RC4 stream cipher and the XTEA block cipher on caller-owned buffers.
+/// \file
+/// TarnCrypt: the RC4 stream cipher and the XTEA block cipher on caller-owned buffers.
 #pragma once
 
 #include "tarn/TarnExport.h"
@@ -18,8 +19,11 @@
 /// an argument is unusable (see each routine).
 class TARN_API TarnCrypt : public TarnObject {
 public:
+    /// Constructs nothing: the class holds no data (derived classes only, it is abstract).
     TarnCrypt() = default;
+    /// Copies nothing: the class holds no data.
     TarnCrypt(const TarnCrypt &) : TarnObject() {}
+    /// Releases nothing.
     ~TarnCrypt() override;
 
     /// Changes nothing and returns this object.

@@ -1,4 +1,5 @@
-// The object root with class identity by name, the self-test interface, and getInt.
+/// \file
+/// The object root with class identity by name, the self-test interface, and getInt.
 #pragma once
 
 #include "tarn/TarnExport.h"

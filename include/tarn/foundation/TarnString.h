@@ -1,4 +1,5 @@
-// The library's text type: a standard string of bytes that is also a TarnObject.
+/// \file
+/// The library's text type: a standard string of bytes that is also a TarnObject.
 #pragma once
 
 #include "tarn/TarnExport.h"

@@ -1,4 +1,5 @@
-// The owning pointer vector, the plain value array, and the pointer box.
+/// \file
+/// The owning pointer vector, the plain value array, and the pointer box.
 #pragma once
 
 #include "tarn/TarnExport.h"

@@ -1,4 +1,5 @@
-// The sequence of dense blocks that TarnMatrix::plusEquals adds along a matrix's diagonal.
+/// \file
+/// The sequence of dense blocks that TarnMatrix::plusEquals adds along a matrix's diagonal.
 #pragma once
 
 #include "tarn/TarnExport.h"
@@ -11,7 +12,9 @@
 /// An index outside the sequence gives one shared empty matrix. One thread at a time.
 class TARN_API TarnBlockDiagonalMatrix {
 public:
+    /// Makes an empty sequence.
     TarnBlockDiagonalMatrix();
+    /// Deletes the copies of the blocks.
     ~TarnBlockDiagonalMatrix();
 
     /// Appends a copy of `block`.

@@ -1,4 +1,5 @@
-// The record that a least-squares iteration and its caller share: limits, progress, outcome.
+/// \file
+/// The record that a least-squares iteration and its caller share: limits, progress, outcome.
 #pragma once
 
 #include "tarn/TarnExport.h"
@@ -21,6 +22,7 @@ public:
     TarnLeastSquaresStatusControl(const TarnLeastSquaresStatusControl &other) = default;
     /// Copies every field of `other`, the flags and the abort request included.
     TarnLeastSquaresStatusControl &operator=(const TarnLeastSquaresStatusControl &other) = default;
+    /// Releases nothing: the record holds numbers and flags only.
     ~TarnLeastSquaresStatusControl() override;
 
     using TarnObject::isa;

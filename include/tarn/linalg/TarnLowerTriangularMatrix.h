@@ -1,4 +1,5 @@
-// The lower triangular matrix in packed lower storage.
+/// \file
+/// The lower triangular matrix in packed lower storage.
 #pragma once
 
 #include "tarn/TarnExport.h"
@@ -19,6 +20,7 @@ public:
     /// Makes a matrix of order rows from `packed`, in lower packed order; rows different from
     /// cols leave it empty.
     TarnLowerTriangularMatrix(const double *packed, int rows, int cols);
+    /// Releases nothing of its own; the base releases the packed block and the row table.
     ~TarnLowerTriangularMatrix() override;
 
     /// Returns 0.0 above the diagonal (col > row), otherwise the stored element.

@@ -1,4 +1,5 @@
-// The numeric constant pi and the tolerance comparison that the matrix family uses for equality.
+/// \file
+/// The numeric constant pi and the tolerance comparison that the matrix family uses for equality.
 #pragma once
 
 #include "tarn/TarnExport.h"
@@ -9,9 +10,11 @@
 /// every operation is a pure function that any thread may call. Nothing fails.
 class TARN_API TarnMath {
 public:
+    /// Constructs nothing: the class has no state.
     TarnMath() = default;
     /// Copies nothing: the class has no state.
     TarnMath(const TarnMath &) = default;
+    /// Releases nothing.
     ~TarnMath() = default;
     /// Changes nothing and returns this object.
     TarnMath &operator=(const TarnMath &) = default;

@@ -1,4 +1,5 @@
-// The dense row-major matrix of doubles, its solvers, and its products with the packed forms.
+/// \file
+/// The dense row-major matrix of doubles, its solvers, and its products with the packed forms.
 #pragma once
 
 #include "tarn/TarnExport.h"
@@ -35,6 +36,7 @@ public:
     TarnMatrix(const double *data, int rows, int cols);
     /// Copies shape and elements of `other`; the object identity is that of a new object.
     TarnMatrix(const TarnMatrix &other);
+    /// Releases the element block and the row table.
     ~TarnMatrix() override;
 
     using TarnObject::isa;

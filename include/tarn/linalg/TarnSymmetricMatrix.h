@@ -1,4 +1,5 @@
-// The packed square matrix that stores one triangle, with a row table over the packed block.
+/// \file
+/// The packed square matrix that stores one triangle, with a row table over the packed block.
 #pragma once
 
 #include "tarn/TarnExport.h"
@@ -30,6 +31,7 @@ public:
     TarnSymmetricMatrix(const double *packed, int rows, int cols, int storage);
     TarnSymmetricMatrix(const TarnSymmetricMatrix &) = delete;
     TarnSymmetricMatrix &operator=(const TarnSymmetricMatrix &) = delete;
+    /// Releases the packed block and the row table.
     ~TarnSymmetricMatrix() override;
 
     using TarnObject::isa;

@@ -1,4 +1,5 @@
-// The upper triangular matrix in packed upper storage.
+/// \file
+/// The upper triangular matrix in packed upper storage.
 #pragma once
 
 #include "tarn/TarnExport.h"
@@ -21,6 +22,7 @@ public:
     /// Makes a matrix of order rows from `packed`, in upper packed order; rows different from
     /// cols leave it empty.
     TarnUpperTriangularMatrix(const double *packed, int rows, int cols);
+    /// Releases nothing of its own; the base releases the packed block and the row table.
     ~TarnUpperTriangularMatrix() override;
 
     /// Returns 0.0 below the diagonal (col < row), otherwise the stored element.

@@ -1,4 +1,5 @@
-// TarnArchive: one node of an archive tree, with its named tokens and its owned child nodes.
+/// \file
+/// TarnArchive: one node of an archive tree, with its named tokens and its owned child nodes.
 #pragma once
 
 #include "tarn/TarnExport.h"

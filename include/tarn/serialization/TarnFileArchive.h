@@ -1,4 +1,5 @@
-// TarnFileArchive: an object graph stored to an indented text file and restored from one.
+/// \file
+/// TarnFileArchive: an object graph stored to an indented text file and restored from one.
 #pragma once
 
 #include "tarn/TarnExport.h"

@@ -1,4 +1,5 @@
-// TarnHandleManager: the table that maps stored addresses to the objects a restore has made.
+/// \file
+/// TarnHandleManager: the table that maps stored addresses to the objects a restore has made.
 #pragma once
 
 #include "tarn/TarnExport.h"

@@ -1,4 +1,5 @@
-// TarnSerializable: the base of every object that stores itself into an archive tree.
+/// \file
+/// TarnSerializable: the base of every object that stores itself into an archive tree.
 #pragma once
 
 #include "tarn/TarnExport.h"

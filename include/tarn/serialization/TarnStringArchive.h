@@ -1,4 +1,5 @@
-// TarnStringArchive: an object graph stored to a text in memory and restored from one.
+/// \file
+/// TarnStringArchive: an object graph stored to a text in memory and restored from one.
 #pragma once
 
 #include "tarn/TarnExport.h"

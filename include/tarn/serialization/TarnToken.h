@@ -1,4 +1,5 @@
-// TarnToken: one value of an archive, held as text, with typed setters and getters.
+/// \file
+/// TarnToken: one value of an archive, held as text, with typed setters and getters.
 #pragma once
 
 #include "tarn/TarnExport.h"
@@ -72,8 +73,8 @@ public:
     /// Returns the leading decimal integer as "%d" reads it; 0 when the text begins with none.
     /// Digits beyond 32 bits wrap: the result is the number modulo 2^32 as a signed int.
     int getIntValue() const;
-    /// Returns the leading integer as "%lu" reads it, taken as a 32-bit pattern: "-1" gives
-    /// 4294967295. 0 when the text begins with no number.
+    /// Returns the leading integer as "%lu" reads it, taken as a 32-bit pattern, so that "-1"
+    /// gives 4294967295; 0 when the text begins with no number.
     unsigned long getULongValue() const;
     /// Returns the low 16 bits of getIntValue().
     unsigned short getUShortValue() const;

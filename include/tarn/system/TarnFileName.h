@@ -1,4 +1,5 @@
-// TarnFileName: a text that holds a backslash path, takes it apart and asks the file system.
+/// \file
+/// TarnFileName: a text that holds a backslash path, takes it apart and asks the file system.
 #pragma once
 
 #include "tarn/TarnExport.h"

@@ -1,4 +1,5 @@
-// TarnSystem: static services over the operating system, and the clamp unity.
+/// \file
+/// TarnSystem: static services over the operating system, and the clamp unity.
 #pragma once
 
 #include "tarn/TarnExport.h"

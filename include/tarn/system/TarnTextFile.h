@@ -1,4 +1,5 @@
-// TarnTextFile: a file stream with line-oriented reading and writing.
+/// \file
+/// TarnTextFile: a file stream with line-oriented reading and writing.
 #pragma once
 
 #include "tarn/TarnExport.h"
