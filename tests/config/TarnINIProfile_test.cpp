@@ -126,7 +126,8 @@ TEST(TarnINIFileTest, RealScansFollowTheStandardGrammarInTheCLocale) {
                                       {"++1", kept},       {"0X10", 16.0},
                                       {"1e+400", inf},     {"0.0001e-400", 0.0},
                                       {wide.c_str(), inf}, {"1e99999999999999999999", inf},
-                                      {"0x1.8p+-5", 1.5},  {"-0x1.8p+-9999", -1.5}};
+                                      {"0x1.8p+-5", 1.5},  {"-0x1.8p+-9999", -1.5},
+                                      {"0x1p", 1.0},       {"0x1P-1", 0.5}};
     auto file = makeINIFile();
     expectScans(*file, cases, kept, &TarnINIFile::getPrivateProfileDouble, "%lf");
     // "%f" rounds to float once: beyond float's range is infinite although a double would hold it.

@@ -101,7 +101,8 @@ TEST(TarnTokenTest, DoubleReaderFollowsAtofInTheCLocale) {
         {"0x.8p1", 1.0},      {"0x.g", 0.0},
         {"++1", 0.0},         {wide.c_str(), inf},
         {"-0x1p-99999", 0.0}, {"1e99999999999999999999", inf},
-        {"0x1.8p+-5", 1.5},   {"-0x1.8p+-9999", -1.5}}; // a doubly signed exponent is no exponent
+        {"0x1.8p+-5", 1.5},   {"-0x1.8p+-9999", -1.5},
+        {"0x1p", 1.0},        {"0x1P-1", 0.5}}; // no exponent without a digit
     for (const auto &c : cases) {
         EXPECT_EQ(tokenOf(c.first).getDoubleValue(), c.second) << c.first;
     }
