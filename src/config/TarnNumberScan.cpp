@@ -94,6 +94,24 @@ bool exceedsRange(const char *at, const char *end, bool hex) {
     return (hex ? 4 * order : order) + exponent > 0;
 }
 
+// The end of the hexadecimal number text in [at, end) as far as from_chars may see it: where the
+// "p" behind the digits is not followed by an optional sign and a decimal digit, the number ends
+// in front of the "p", as the standard scan reads it. (libstdc++'s from_chars takes "p+-5" as the
+// exponent -5.)
+const char *hexadecimalEnd(const char *at, const char *end) {
+    while (at < end && (tarn::isAsciiHexDigit(*at) || *at == '.')) {
+        ++at;
+    }
+    if (at == end || (*at != 'p' && *at != 'P')) {
+        return end;
+    }
+    const char *exponent = at + 1;
+    if (exponent < end && (*exponent == '+' || *exponent == '-')) {
+        ++exponent;
+    }
+    return exponent < end && isDecimalDigit(*exponent) ? end : at;
+}
+
 // Converts the number at `at` (sign already read) with from_chars in `format`; a result out of
 // range becomes an infinity or 0. Returns false when no number starts at `at`.
 template <class T>
@@ -101,6 +119,9 @@ bool convertReal(const char *at, const char *end, std::chars_format format, T &v
     // from_chars would accept a second sign; the scan does not.
     if (at == end || *at == '+' || *at == '-') {
         return false;
+    }
+    if (format == std::chars_format::hex) {
+        end = hexadecimalEnd(at, end);
     }
     const std::from_chars_result result = std::from_chars(at, end, value, format);
     if (result.ec == std::errc::invalid_argument) {

@@ -63,11 +63,33 @@ bool exceedsRange(const char *first, const char *last, bool hexadecimal) {
     return (hexadecimal ? leading * 4 : leading) + exponent > 0;
 }
 
+// The end of the hexadecimal number text in [first, last) as far as from_chars may see it: where
+// the "p" behind the digits is not followed by an optional sign and a decimal digit, the number
+// ends in front of the "p", as strtod reads it. (libstdc++'s from_chars takes "p+-5" as the
+// exponent -5.)
+const char *hexadecimalEnd(const char *first, const char *last) {
+    const char *p = first;
+    while (p != last && (isAsciiHexDigit(*p) || *p == '.')) {
+        ++p;
+    }
+    if (p == last || (*p | 0x20) != 'p') {
+        return last;
+    }
+    const char *exponent = p + 1;
+    if (exponent != last && (*exponent == '+' || *exponent == '-')) {
+        ++exponent;
+    }
+    return exponent != last && isDecimalDigit(*exponent) ? last : p;
+}
+
 // from_chars over [first, last) in the given format; out-of-range text gives an infinity or a
 // zero. Returns false when no number starts at first.
 bool readUnsignedDouble(const char *first, const char *last, std::chars_format format, double &value) {
     if (first == last || *first == '-' || *first == '+') {
         return false; // from_chars would take a second sign; strtod does not
+    }
+    if (format == std::chars_format::hex) {
+        last = hexadecimalEnd(first, last);
     }
     double parsed = 0.0;
     const std::from_chars_result result = std::from_chars(first, last, parsed, format);

@@ -112,11 +112,22 @@ TEST(TarnINIFileTest, IntegerScansTakeTheLeadingNumberOrLeaveTheOutput) {
 TEST(TarnINIFileTest, RealScansFollowTheStandardGrammarInTheCLocale) {
     const double inf = std::numeric_limits<double>::infinity();
     const double kept = 99.0;
-    const ScanCase<double> cases[] = {
-        {"  +2.5xyz", 2.5}, {"1,5", 1.0},     {"1e", 1.0},  {".5", 0.5},         {"5.", 5.0},
-        {"0x1p3", 8.0},     {"-0x1.8", -1.5}, {"0x", 0.0},  {"0xg", 0.0},        {"1e400", inf},
-        {"-1e400", -inf},   {"1e-400", 0.0},  {"INF", inf}, {"-Infinity", -inf}, {"0x1p99999", inf},
-        {"--1", kept},      {".", kept},      {"e5", kept}, {"", kept},          {"+-1", kept}};
+    const std::string wide = "1" + std::string(400, '0'); // out of range without an exponent
+    const ScanCase<double> cases[] = {{"  +2.5xyz", 2.5},  {"1,5", 1.0},
+                                      {"1e", 1.0},         {".5", 0.5},
+                                      {"5.", 5.0},         {"0x1p3", 8.0},
+                                      {"-0x1.8", -1.5},    {"0x", 0.0},
+                                      {"0xg", 0.0},        {"1e400", inf},
+                                      {"-1e400", -inf},    {"1e-400", 0.0},
+                                      {"INF", inf},        {"-Infinity", -inf},
+                                      {"0x1p99999", inf},  {"--1", kept},
+                                      {".", kept},         {"e5", kept},
+                                      {"", kept},          {"+-1", kept},
+                                      {"++1", kept},       {"0X10", 16.0},
+                                      {"1e+400", inf},     {"0.0001e-400", 0.0},
+                                      {wide.c_str(), inf}, {"1e99999999999999999999", inf},
+                                      {"0x1.8p+-5", 1.5},  {"-0x1.8p+-9999", -1.5},
+                                      {"0x1p", 1.0},       {"0x1P-1", 0.5}};
     auto file = makeINIFile();
     expectScans(*file, cases, kept, &TarnINIFile::getPrivateProfileDouble, "%lf");
     // "%f" rounds to float once: beyond float's range is infinite although a double would hold it.
@@ -186,16 +197,49 @@ TEST(TarnINIFileTest, WritesStoreTheirTextForms) {
     }
 }
 
-TEST(TarnINIFileTest, NamesAreUsedUntrimmedAndTheStringOverloadsReachTheSameSection) {
-    auto file = makeINIFile();
-    TarnString section(" S ");
-    file->writePrivateProfileInt(section, " k", 1);
-    int out = 0;
-    file->getPrivateProfileInt(" S ", " k", 0, out);
-    EXPECT_EQ(out, 1);
-    TarnString text;
-    file->getPrivateProfileString(section, "missing", "m", text);
-    EXPECT_EQ(modelOf(*file), (Model{{" S ", {{" k", "1"}, {"missing", "m"}}}}));
+// Every TarnString overload must act on the section its text names, exactly as the const char*
+// one does; names are used untrimmed.
+TEST(TarnINIFileTest, StringOverloadsActAsTheTextOnesOnUntrimmedNames) {
+    const auto writeAll = [](TarnINIFile &file, auto &section) {
+        file.writePrivateProfileString(section, " s", "v");
+        file.writePrivateProfileFloat(section, "f", 0.5f);
+        file.writePrivateProfileDouble(section, "d", 0.25);
+        file.writePrivateProfileExp(section, "e", 2.0);
+        file.writePrivateProfileExpG(section, "g", 3.0);
+        file.writePrivateProfileInt(section, "i", -4);
+        file.writePrivateProfileHex(section, "h", 255);
+        file.writePrivateProfileBool(section, "b", true);
+        file.writePrivateProfileBOOL(section, "B", 0);
+    };
+    const auto readAll = [](TarnINIFile &file, auto &section) {
+        TarnString text;
+        float f = 0.0f;
+        double d = 0.0;
+        unsigned int u = 0;
+        int i = 0, h = 0, B = 1;
+        bool b = false;
+        file.getPrivateProfileString(section, " s", "", text);
+        file.getPrivateProfileFloat(section, "f", 0.0f, f);
+        file.getPrivateProfileDouble(section, "d", 0.0, d);
+        file.getPrivateProfileUInt(section, "i", 0u, u);
+        file.getPrivateProfileInt(section, "i", 0, i);
+        file.getPrivateProfileHex(section, "h", 0, h);
+        file.getPrivateProfileBool(section, "b", false, b);
+        file.getPrivateProfileBOOL(section, "B", true, B);
+        return std::string(text) + ";" + std::to_string(f) + ";" + std::to_string(d) + ";" +
+               std::to_string(u) + ";" + std::to_string(i) + ";" + std::to_string(h) + ";" +
+               std::to_string(b) + ";" + std::to_string(B);
+    };
+    const char *name = " S ";
+    TarnString section(name);
+    auto viaText = makeINIFile();
+    auto viaString = makeINIFile();
+    writeAll(*viaText, name);
+    writeAll(*viaString, section);
+    EXPECT_EQ(modelOf(*viaString), modelOf(*viaText));
+    EXPECT_EQ(readAll(*viaString, section), "v;0.500000;0.250000;4294967292;-4;255;1;0");
+    EXPECT_EQ(readAll(*viaText, name), readAll(*viaString, section));
+    EXPECT_EQ(modelOf(*viaText).count(" S "), 1u);
 }
 
 TEST(TarnINIFileTest, NullNamesChangeNothing) {
@@ -205,6 +249,8 @@ TEST(TarnINIFileTest, NullNamesChangeNothing) {
     int out = 0;
     file->getPrivateProfileInt(nullptr, "k", 8, out);
     EXPECT_EQ(out, 8) << "the default's text form is read";
+    file->getPrivateProfileInt("s", nullptr, 9, out);
+    EXPECT_EQ(out, 9);
     EXPECT_TRUE(file->empty());
 }
 

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 
 namespace {
@@ -86,9 +87,105 @@ TEST(TarnSerializableTest, CopyCarriesTheOtherIdentityUntilReset) {
     Plain original;
     Plain assigned;
     assigned = original;
+    Plain copied(original);
     EXPECT_EQ(std::string(assigned.get("this")), pointerText(&original));
+    EXPECT_EQ(copied.getOldPointer(), &original);
     assigned.resetPointers();
     EXPECT_EQ(std::string(assigned.get("this")), pointerText(&assigned));
+    EXPECT_EQ(&assigned.getParent(), &assigned) << "without a parent an object answers itself";
+}
+
+// A link of a chain in which each link contains the next. The library's store and restore path
+// (tree building, text writing, parsing, the handle table, node destruction) never descends one
+// call per level; the contained-object protocol would, so this class walks its chain in loops and
+// gives the same tree and text as the recursive form: its own tokens, then the next link as the
+// node's one child.
+class Link : public testobjects::Plain {
+public:
+    Link() : Plain("Link") {}
+    Link(const Link &) = delete;
+    Link &operator=(const Link &) = delete;
+    ~Link() override {
+        while (Link *doomed = next) {
+            next = doomed->next;
+            doomed->next = nullptr;
+            delete doomed;
+        }
+    }
+    int index = 0;
+    Link *next = nullptr; // owned
+
+    void serializeStore(TarnArchive &archive) override {
+        TarnArchive *node = &archive;
+        for (Link *link = this; link != nullptr; link = link->next) {
+            link->TarnSerializable::serializeStore(*node);
+            node->addIntToken("index", link->index);
+            node = link->next != nullptr ? &node->addChild() : node;
+        }
+    }
+    void serializeRestore(TarnArchive &archive) override {
+        TarnArchive *node = &archive;
+        for (Link *link = this;; link = link->next) {
+            link->TarnSerializable::serializeRestore(*node);
+            link->index = node->getTokenInt("index");
+            if (node->getChildren().empty()) {
+                break;
+            }
+            node = &node->getChildren()[0];
+            link->next = new Link;
+        }
+    }
+    void reconnectPointers() override {
+        for (Link *link = this; link != nullptr; link = link->next) {
+            link->TarnSerializable::reconnectPointers();
+        }
+    }
+    void resetPointers() override {
+        for (Link *link = this; link != nullptr; link = link->next) {
+            link->TarnSerializable::resetPointers();
+        }
+    }
+};
+
+// A chain of a million contained objects stores to exactly the text of the recursive form and
+// restores with every parent link in the new chain, in constant stack.
+TEST(TarnSerializableTest, HugeChainOfAMillionContainedObjectsStoresAndRestores) {
+    const int length = 1000000;
+    TarnString text;
+    {
+        Link head;
+        std::string expected;
+        Link *link = &head;
+        for (int i = 0; i < length; ++i) {
+            link->index = i;
+            expected += "Link{index=" + std::to_string(i) +
+                        ";parent=" + pointerText(i == 0 ? nullptr : link->rawParent()) +
+                        ";this=" + pointerText(link) + ";";
+            if (i + 1 < length) {
+                link->next = new Link;
+                link->next->setParent(*link);
+                link = link->next;
+            }
+        }
+        expected += std::string(length, '}');
+        TarnStringArchive store;
+        store.serializeStore(head);
+        // Compared as one bool: a failure must not print 60 megabytes.
+        ASSERT_TRUE(static_cast<const std::string &>(store.getText()) == expected);
+        text = std::move(store.getText());
+    }
+    auto copy = std::make_unique<Link>();
+    TarnStringArchive restore;
+    restore.serializeRestore(*copy, text);
+    int count = 0;
+    const Link *previous = nullptr;
+    for (Link *link = copy.get(); link != nullptr; previous = link, link = link->next, ++count) {
+        ASSERT_EQ(link->index, count);
+        ASSERT_EQ(link->rawParent(), previous);
+        ASSERT_EQ(link->getOldPointer(), link);
+    }
+    EXPECT_EQ(count, length);
+    EXPECT_EQ(TarnSerializable::handleManager.getCount(), 0u);
 }
 
 } // namespace

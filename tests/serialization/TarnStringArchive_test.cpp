@@ -94,7 +94,7 @@ TEST(TarnStringArchiveTest, SectionsComeBackWithTheirParents) {
 
 // A million nested sections parse into a chain of that depth and are destroyed again, both
 // without one call per level.
-TEST(TarnStringArchiveTest, MillionNestedSectionsParse) {
+TEST(TarnStringArchiveTest, HugeMillionNestedSectionsParse) {
     const int depth = 1000000;
     std::string text;
     for (int i = 0; i < depth; ++i) {
@@ -116,7 +116,7 @@ TEST(TarnStringArchiveTest, MillionNestedSectionsParse) {
     archive.reset();
 }
 
-TEST(TarnStringArchiveTest, TokenLongerThan100MegabytesReadsBack) {
+TEST(TarnStringArchiveTest, HugeTokenLongerThan100MegabytesReadsBack) {
     const std::size_t length = 100u * 1024u * 1024u + 17u;
     std::string text = "Big{data=" + std::string(length, '7') + ";}";
     TarnStringArchive archive;
