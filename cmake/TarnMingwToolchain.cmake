@@ -14,7 +14,8 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
 # Programs of the build (tests, the tour) run under Wine, headless and quiet, in a Wine prefix of
 # their own inside the build tree, so that nothing outside the build tree is touched. Debian keeps
-# wine64 outside PATH, in /usr/lib/wine. A caller may set CMAKE_CROSSCOMPILING_EMULATOR itself.
+# wine64 outside PATH, in /usr/lib/wine. tarn-wine-run tries a start again that Wine itself failed
+# (nothing printed). A caller may set CMAKE_CROSSCOMPILING_EMULATOR itself.
 if(NOT DEFINED CMAKE_CROSSCOMPILING_EMULATOR)
     find_program(TARN_WINE NAMES ${TARN_WINE_LOADER} PATHS /usr/lib/wine NO_CACHE)
     if(NOT TARN_WINE)
@@ -22,5 +23,5 @@ if(NOT DEFINED CMAKE_CROSSCOMPILING_EMULATOR)
     endif()
     set(CMAKE_CROSSCOMPILING_EMULATOR
         env -u DISPLAY -u WAYLAND_DISPLAY WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml=
-        WINEPREFIX=${CMAKE_BINARY_DIR}/.wine ${TARN_WINE})
+        WINEPREFIX=${CMAKE_BINARY_DIR}/.wine ${CMAKE_CURRENT_LIST_DIR}/tarn-wine-run ${TARN_WINE})
 endif()
