@@ -4,35 +4,122 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <iterator>
 #include <numeric>
+
+namespace {
+
+// The pivot of a column: the first row from `from` on whose magnitude is strictly greater than
+// that of every row before it, starting with row `from`; a NaN never wins, and a NaN in row `from`
+// keeps that row. A scan that compares each row with the best so far waits on every comparison;
+// this one finds the greatest magnitude first with four independent maxima (the maximum of the
+// magnitudes does not depend on their order), then the first row that has it.
+int pivotRow(const double *column, int from, int to) {
+    const double start = std::fabs(column[from]);
+    if (std::isnan(start)) {
+        return from;
+    }
+    double best[4] = {start, start, start, start};
+    int i = from + 1;
+    for (; i + 4 <= to; i += 4) {
+        for (int lane = 0; lane < 4; ++lane) {
+            const double magnitude = std::fabs(column[i + lane]);
+            best[lane] = best[lane] < magnitude ? magnitude : best[lane];
+        }
+    }
+    for (; i < to; ++i) {
+        const double magnitude = std::fabs(column[i]);
+        best[0] = best[0] < magnitude ? magnitude : best[0];
+    }
+    const double greatest = std::max(std::max(best[0], best[1]), std::max(best[2], best[3]));
+    int row = from;
+    while (std::fabs(column[row]) != greatest) {
+        ++row;
+    }
+    return row;
+}
+
+} // namespace
 
 TarnLUDecomposition::TarnLUDecomposition(const TarnMatrix &matrix)
     : m(matrix.nRows()), n(matrix.nCols()),
       pivots(new std::int32_t[static_cast<std::size_t>(matrix.nRows())]) {
-    matrix.transpose(columns);
+    loadColumns(matrix);
     std::iota(pivots.get(), pivots.get() + m, 0);
     if (m <= kSmallOrder && n <= kSmallOrder) {
         factorSmall();
         return;
     }
+    // One scratch block: the former values of the block's columns.
     const std::size_t height = static_cast<std::size_t>(m);
-    std::unique_ptr<double[]> scratch(new double[height * tarn::linalg::kMaxTargets]);
-    for (int first = 0; first < n; first += tarn::linalg::kMaxTargets) {
+    std::unique_ptr<double[]> scratch(new double[height * kBlockColumns]);
+    for (int first = 0; first < n; first += kBlockColumns) {
         ColumnBlock block;
         block.first = first;
-        block.count = std::min(tarn::linalg::kMaxTargets, n - first);
+        block.count = std::min(kBlockColumns, n - first);
+        std::fill(std::begin(block.exchangedWith), std::end(block.exchangedWith), -1);
         for (int c = 0; c < block.count; ++c) {
+            // The columns from this block on have seen no exchange yet: each takes them all at
+            // once through the pivot table, in which row i holds input row pivots[i].
             double *column = columns[first + c];
             block.former[c] = scratch.get() + height * static_cast<std::size_t>(c);
-            std::copy(column, column + m, block.former[c]);
+            for (int i = 0; i < m; ++i) {
+                block.former[c][i] = column[pivots[i]];
+            }
             std::fill(column, column + m, 0.0);
         }
-        // The terms of the rows above the block are final for every column of it.
-        addTerms(block, 0, block.count, 0, std::min(first, m));
+        // The rows above the block, a chunk at a time: the terms of the rows above the chunk in
+        // one product, then the chunk's own triangle, each row passing its term to the later rows
+        // of the chunk. Every element still receives its terms in rising order from 0.0.
+        const int settled = std::min(first, m);
+        for (int chunk = 0; chunk < settled; chunk += kChunkRows) {
+            const int chunkEnd = std::min(settled, chunk + kChunkRows);
+            addProducts(block, chunk, chunk, chunkEnd);
+            addTerms(block, 0, block.count, chunk, chunkEnd, chunkEnd);
+        }
+        // The rows from the block down have the terms of every row above the block in one product.
+        addProducts(block, settled, settled, m);
         for (int c = 0; c < block.count; ++c) {
             finishColumn(block, c);
         }
+        exchangeEarlierRows(block);
     }
+}
+
+void TarnLUDecomposition::loadColumns(const TarnMatrix &matrix) {
+    // Column j of the input becomes row j of `columns`, whose rows are kRowPadding elements longer
+    // than m: the products may read that far past a row's end, into zeros that they discard.
+    // Tiles of kTile x kTile keep the rows read and the rows written in the nearest cache.
+    columns.resize(n, m + kRowPadding);
+    constexpr int kTile = 16;
+    for (int firstRow = 0; firstRow < m; firstRow += kTile) {
+        const int lastRow = std::min(m, firstRow + kTile);
+        for (int firstCol = 0; firstCol < n; firstCol += kTile) {
+            const int lastCol = std::min(n, firstCol + kTile);
+            for (int j = firstCol; j < lastCol; ++j) {
+                double *target = columns[j];
+                for (int i = firstRow; i < lastRow; ++i) {
+                    target[i] = matrix[i][j];
+                }
+            }
+        }
+    }
+}
+
+void TarnLUDecomposition::addProducts(const ColumnBlock &block, int depth, int rowBegin, int rowEnd) {
+    // Row k of a block column holds U(k, j) once final, and row k of the factors L's column k:
+    // the sum of element (i, j) over k < depth is the product of the block's rows (as a left
+    // factor) with the factor rows from 0, read at columns rowBegin and on. The product starts
+    // each sum at 0.0 and adds k in rising order, as the plain dot product does.
+    if (depth <= 0 || rowBegin >= rowEnd) {
+        return;
+    }
+    const std::ptrdiff_t stride = columns.nCols();
+    double *blockRows = columns[block.first];
+    const tarn::linalg::StridedProduct product{
+        blockRows,   stride, columns[0] + rowBegin, stride, blockRows + rowBegin, stride,
+        block.count, depth,  rowEnd - rowBegin,     true};
+    tarn::linalg::multiplyStrided(product, nullptr);
 }
 
 void TarnLUDecomposition::factorSmall() {
@@ -48,13 +135,7 @@ void TarnLUDecomposition::factorSmall() {
         for (int i = k; i < m; ++i) {
             column[i] -= sums[k][i];
         }
-        // Find the pivot: the first row of strictly greatest magnitude; a NaN never wins.
-        int pivot = k;
-        for (int i = k + 1; i < m; ++i) {
-            if (std::fabs(column[pivot]) < std::fabs(column[i])) {
-                pivot = i;
-            }
-        }
+        const int pivot = pivotRow(column, k, m);
         if (pivot != k) {
             for (int col = 0; col < n; ++col) {
                 std::swap(columns[col][pivot], columns[col][k]);
@@ -82,7 +163,16 @@ void TarnLUDecomposition::factorSmall() {
 }
 
 void TarnLUDecomposition::addTerms(const ColumnBlock &block, int firstTarget, int targets, int kBegin,
-                                   int kEnd) {
+                                   int kEnd, int rowEnd) {
+    // The columns are independent: the row-update kernel takes them a group at a time.
+    for (int group = 0; group < targets; group += tarn::linalg::kMaxTargets) {
+        addTermsToGroup(block, firstTarget + group, std::min(tarn::linalg::kMaxTargets, targets - group),
+                        kBegin, kEnd, rowEnd);
+    }
+}
+
+void TarnLUDecomposition::addTermsToGroup(const ColumnBlock &block, int firstTarget, int targets, int kBegin,
+                                          int kEnd, int rowEnd) {
     // Row k of a column is final once it has the terms of all rows above it: its new value is its
     // former value minus its running sum. Term k (L(i, k) times that value) then goes to every row
     // below, so that each row's sum grows in rising k from 0.0, exactly as the dot product of the
@@ -117,14 +207,14 @@ void TarnLUDecomposition::addTerms(const ColumnBlock &block, int firstTarget, in
         for (int c = 0; c < targets; ++c) {
             targetRows[c] = sums[c] + below;
         }
-        tarn::linalg::addScaledTerms(targetRows, targets, sources, values, terms, m - below);
+        tarn::linalg::addScaledTerms(targetRows, targets, sources, values, terms, rowEnd - below);
     }
 }
 
 void TarnLUDecomposition::finishColumn(ColumnBlock &block, int index) {
     const int j = block.first + index;
     // The rows of the block above j are final by now: their terms complete the triangle.
-    addTerms(block, index, 1, std::min(block.first, m), std::min(j, m));
+    addTerms(block, index, 1, std::min(block.first, m), std::min(j, m), m);
     double *column = columns[j];
     double *former = block.former[index];
     for (int i = j; i < m; ++i) {
@@ -134,15 +224,9 @@ void TarnLUDecomposition::finishColumn(ColumnBlock &block, int index) {
     if (j >= m) {
         return;
     }
-    // Find the pivot: the first row of strictly greatest magnitude; a NaN never wins.
-    int pivot = j;
-    for (int i = j + 1; i < m; ++i) {
-        if (std::fabs(column[pivot]) < std::fabs(column[i])) {
-            pivot = i;
-        }
-    }
+    const int pivot = pivotRow(column, j, m);
     if (pivot != j) {
-        exchangeRows(block, pivot, j);
+        exchangeRows(block, j, pivot);
     }
     // Divide the column below the diagonal by the pivot; an exact zero pivot skips this.
     if (column[j] != 0.0) {
@@ -152,15 +236,30 @@ void TarnLUDecomposition::finishColumn(ColumnBlock &block, int index) {
     }
 }
 
-void TarnLUDecomposition::exchangeRows(ColumnBlock &block, int first, int second) {
-    for (int col = 0; col < n; ++col) {
-        std::swap(columns[col][first], columns[col][second]);
-    }
-    // The columns of the block still hold sums in their storage; their values move here.
+void TarnLUDecomposition::exchangeRows(ColumnBlock &block, int step, int pivot) {
+    // Only the block's columns exchange now. The columns before it take the block's exchanges
+    // when it is finished (nothing reads them until then), those after it when their block starts.
     for (int c = 0; c < block.count; ++c) {
-        std::swap(block.former[c][first], block.former[c][second]);
+        double *column = columns[block.first + c];
+        std::swap(column[step], column[pivot]);
+        // The columns of the block still hold sums in their storage; their values move here.
+        std::swap(block.former[c][step], block.former[c][pivot]);
     }
-    std::swap(pivots[first], pivots[second]);
+    std::swap(pivots[step], pivots[pivot]);
+    block.exchangedWith[step - block.first] = pivot;
+}
+
+void TarnLUDecomposition::exchangeEarlierRows(const ColumnBlock &block) {
+    // Each earlier column takes the block's exchanges in their order, all while it is at hand.
+    for (int col = 0; col < block.first; ++col) {
+        double *column = columns[col];
+        for (int c = 0; c < block.count; ++c) {
+            const int second = block.exchangedWith[c];
+            if (second >= 0) {
+                std::swap(column[block.first + c], column[second]);
+            }
+        }
+    }
 }
 
 bool TarnLUDecomposition::solveFor(const TarnMatrix &rhs, TarnMatrix &result) const {

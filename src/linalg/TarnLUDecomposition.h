@@ -15,14 +15,15 @@
 ///
 /// The factors are kept column by column: row j of `columns` is column j of the factorization (L's
 /// multipliers below the diagonal, U on and above it), so that the column being updated and every
-/// column of L that updates it are contiguous. Columns are updated four at a time: the terms that
-/// all four need are added in one pass over L, and each column is then finished in order. A
-/// column's storage holds its running sums while its former values wait in the scratch block, one
-/// run of m doubles per column of the block. A local object of one call; one thread.
+/// column of L that updates it are contiguous. Columns are updated a block at a time: the terms
+/// that all columns of the block need come from products of the block with L, chunk by chunk down
+/// the rows above the block and in one product below it, and each column is then finished in
+/// order. A column's storage holds its running sums while its former values wait in the scratch
+/// block, one run of m doubles per column of the block. A local object of one call; one thread.
 class TarnLUDecomposition {
 public:
     /// Factorizes `matrix`. Allocates the factors, m pivot indices, and (above kSmallOrder rows or
-    /// columns) one scratch block of 4 x m doubles that is released before the constructor returns.
+    /// columns) one scratch block of 8 x m doubles that is released before the constructor returns.
     explicit TarnLUDecomposition(const TarnMatrix &matrix);
 
     /// Solves against the factors: `result` becomes the m x nx solution for the nx columns of
@@ -34,13 +35,22 @@ public:
     const std::int32_t *getPivots() const { return pivots.get(); }
 
 private:
+    /// Columns per block: eight rows of the products' left factor fill the widest path's row block.
+    static constexpr int kBlockColumns = 8;
+    /// Rows per chunk of the rows above a block: one panel of the widest path.
+    static constexpr int kChunkRows = 16;
+
     /// The columns first .. first + count - 1 under way: their storage holds running sums, and
     /// former[c] the values of column first + c that are not final yet.
     struct ColumnBlock {
         int first = 0;
         int count = 0;
-        double *former[tarn::linalg::kMaxTargets] = {};
+        double *former[kBlockColumns] = {};
+        // exchangedWith[c]: the row that row first + c exchanged with, or -1 for none.
+        int exchangedWith[kBlockColumns] = {};
     };
+    /// How far past m each row of `columns` reaches: the widest panel of the products, less one.
+    static constexpr int kRowPadding = tarn::linalg::kMaxPanelWidth - 1;
 
     /// Matrices of at most this many rows and columns are factorized by `factorSmall`.
     static constexpr int kSmallOrder = 16;
@@ -51,16 +61,26 @@ private:
     // it is known: the same operations in the same order per element as the blocked path, without
     // its per-block calls and heap scratch, and with independent updates that overlap.
     void factorSmall();
+    // Puts into rows rowBegin .. rowEnd - 1 of the block's columns the sums of the terms of rows
+    // 0 .. depth - 1, which must be final there, replacing what those rows held.
+    void addProducts(const ColumnBlock &block, int depth, int rowBegin, int rowEnd);
     // Makes rows kBegin .. kEnd - 1 final in columns block.first + firstTarget and on (targets of
-    // them), each row passing its term to every later row of those columns.
-    void addTerms(const ColumnBlock &block, int firstTarget, int targets, int kBegin, int kEnd);
+    // them), each row passing its term to every later row of those columns up to rowEnd - 1.
+    void addTerms(const ColumnBlock &block, int firstTarget, int targets, int kBegin, int kEnd, int rowEnd);
+    // addTerms for at most kMaxTargets columns.
+    void addTermsToGroup(const ColumnBlock &block, int firstTarget, int targets, int kBegin, int kEnd,
+                         int rowEnd);
     // Finishes column block.first + index: its own terms, pivot, exchange and division.
     void finishColumn(ColumnBlock &block, int index);
     // The forward and backward passes of solveFor on one contiguous column x of n doubles.
     void substituteColumn(double *x) const;
-    // Exchanges rows first and second of the factors over all columns, of the former values of the
-    // block, and their pivot entries.
-    void exchangeRows(ColumnBlock &block, int first, int second);
+    // Exchanges rows step and pivot of the block's columns, of its former values and of the pivot
+    // table, and records the exchange for the earlier columns.
+    void exchangeRows(ColumnBlock &block, int step, int pivot);
+    // Applies the block's recorded exchanges, in order, to every column before the block.
+    void exchangeEarlierRows(const ColumnBlock &block);
+    // Fills `columns` with the transpose of `matrix`, each row padded by kRowPadding zeros.
+    void loadColumns(const TarnMatrix &matrix);
 
     int m = 0;
     int n = 0;

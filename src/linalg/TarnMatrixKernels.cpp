@@ -29,34 +29,49 @@ constexpr int kRowBlock = 4;
 constexpr int kWidePanelWidth = 16;
 constexpr int kWideRowBlock = 8;
 
-// Computes blockRows (1 to kRowBlock) rows of one panel: out[r * kPanelWidth + q] becomes the sum
-// over k rising from 0.0 of a[r * p + k] * panel[k * kPanelWidth + q].
-using PanelKernel = void (*)(const double *a, int blockRows, std::ptrdiff_t p, const double *panel,
-                             double *out);
+// Where a panel kernel reads: `a` holds the kernel's rows of the left factor, lda apart, and
+// `panel` the panel's p rows of Width columns, ldPanel apart (Width when packed).
+struct PanelSource {
+    const double *a;
+    std::ptrdiff_t lda;
+    const double *panel;
+    std::ptrdiff_t ldPanel;
+};
+
+// Computes blockRows (1 to the row block) rows of one panel of Width columns: out[r * ldOut + q]
+// becomes the sum over k rising from 0.0 of a[r * lda + k] * panel[k * ldPanel + q].
+using PanelKernel = void (*)(const PanelSource &source, int blockRows, std::ptrdiff_t p, double *out,
+                             std::ptrdiff_t ldOut);
 
 template <int Rows>
-void panelRowsPortable(const double *a, std::ptrdiff_t p, const double *panel, double *out) {
+void panelRowsPortable(const PanelSource &source, std::ptrdiff_t p, double *out, std::ptrdiff_t ldOut) {
     double sums[Rows][kPanelWidth] = {};
     for (std::ptrdiff_t k = 0; k < p; ++k) {
-        const double *b = panel + k * kPanelWidth;
+        const double *b = source.panel + k * source.ldPanel;
         for (int r = 0; r < Rows; ++r) {
-            const double factor = a[r * p + k];
+            const double factor = source.a[r * source.lda + k];
             for (int q = 0; q < kPanelWidth; ++q) {
                 sums[r][q] += factor * b[q];
             }
         }
     }
-    std::copy(&sums[0][0], &sums[0][0] + Rows * kPanelWidth, out);
+    for (int r = 0; r < Rows; ++r) {
+        std::copy(sums[r], sums[r] + kPanelWidth, out + r * ldOut);
+    }
 }
 
-void panelKernelPortable(const double *a, int blockRows, std::ptrdiff_t p, const double *panel, double *out) {
+void panelKernelPortable(const PanelSource &source, int blockRows, std::ptrdiff_t p, double *out,
+                         std::ptrdiff_t ldOut) {
     // Pairs of rows keep the sixteen running sums within the registers of any 64-bit target.
+    PanelSource rows = source;
     int r = 0;
     for (; r + 2 <= blockRows; r += 2) {
-        panelRowsPortable<2>(a + r * p, p, panel, out + r * kPanelWidth);
+        rows.a = source.a + r * source.lda;
+        panelRowsPortable<2>(rows, p, out + r * ldOut, ldOut);
     }
     if (r < blockRows) {
-        panelRowsPortable<1>(a + r * p, p, panel, out + r * kPanelWidth);
+        rows.a = source.a + r * source.lda;
+        panelRowsPortable<1>(rows, p, out + r * ldOut, ldOut);
     }
 }
 
@@ -64,7 +79,10 @@ void panelKernelPortable(const double *a, int blockRows, std::ptrdiff_t p, const
 // Each of the eight columns of the panel is one lane of two 4-lane registers; each row keeps its
 // own pair of registers. Per k: one broadcast of a[r][k], one multiply and one add per register.
 template <int Rows>
-TARN_TARGET_AVX2 void panelRowsAvx2(const double *a, std::ptrdiff_t p, const double *panel, double *out) {
+TARN_TARGET_AVX2 void panelRowsAvx2(const PanelSource &source, std::ptrdiff_t p, double *out,
+                                    std::ptrdiff_t ldOut) {
+    const double *a = source.a;
+    const std::ptrdiff_t lda = source.lda;
     __m256d low[Rows];
     __m256d high[Rows];
 #pragma GCC unroll 4
@@ -73,76 +91,101 @@ TARN_TARGET_AVX2 void panelRowsAvx2(const double *a, std::ptrdiff_t p, const dou
         high[r] = _mm256_setzero_pd();
     }
     for (std::ptrdiff_t k = 0; k < p; ++k) {
-        const __m256d bLow = _mm256_loadu_pd(panel + k * kPanelWidth);
-        const __m256d bHigh = _mm256_loadu_pd(panel + k * kPanelWidth + 4);
+        const double *b = source.panel + k * source.ldPanel;
+        const __m256d bLow = _mm256_loadu_pd(b);
+        const __m256d bHigh = _mm256_loadu_pd(b + 4);
 #pragma GCC unroll 4
         for (int r = 0; r < Rows; ++r) {
-            const __m256d factor = _mm256_broadcast_sd(a + r * p + k);
+            const __m256d factor = _mm256_broadcast_sd(a + r * lda + k);
             low[r] = _mm256_add_pd(low[r], _mm256_mul_pd(factor, bLow));
             high[r] = _mm256_add_pd(high[r], _mm256_mul_pd(factor, bHigh));
         }
     }
 #pragma GCC unroll 4
     for (int r = 0; r < Rows; ++r) {
-        _mm256_storeu_pd(out + r * kPanelWidth, low[r]);
-        _mm256_storeu_pd(out + r * kPanelWidth + 4, high[r]);
+        _mm256_storeu_pd(out + r * ldOut, low[r]);
+        _mm256_storeu_pd(out + r * ldOut + 4, high[r]);
     }
 }
 
-TARN_TARGET_AVX2 void panelKernelAvx2(const double *a, int blockRows, std::ptrdiff_t p, const double *panel,
-                                      double *out) {
+TARN_TARGET_AVX2 void panelKernelAvx2(const PanelSource &source, int blockRows, std::ptrdiff_t p, double *out,
+                                      std::ptrdiff_t ldOut) {
     switch (blockRows) {
     case 4:
-        panelRowsAvx2<4>(a, p, panel, out);
+        panelRowsAvx2<4>(source, p, out, ldOut);
         break;
     case 3:
-        panelRowsAvx2<3>(a, p, panel, out);
+        panelRowsAvx2<3>(source, p, out, ldOut);
         break;
     case 2:
-        panelRowsAvx2<2>(a, p, panel, out);
+        panelRowsAvx2<2>(source, p, out, ldOut);
         break;
     default:
-        panelRowsAvx2<1>(a, p, panel, out);
+        panelRowsAvx2<1>(source, p, out, ldOut);
         break;
     }
 }
 #endif
 
-// Copies columns firstCol .. firstCol + width - 1 of b (p x n) into the k-major panel of Width
-// lanes per k, padding the lanes beyond width with 0.0.
+// Copies columns firstCol .. firstCol + width - 1 of b (p rows, ldb apart) into the k-major panel
+// of Width lanes per k, padding the lanes beyond width with 0.0.
 template <int Width>
-void packPanel(const double *b, std::ptrdiff_t p, std::ptrdiff_t n, std::ptrdiff_t firstCol, int width,
+void packPanel(const double *b, std::ptrdiff_t p, std::ptrdiff_t ldb, std::ptrdiff_t firstCol, int width,
                double *panel) {
     for (std::ptrdiff_t k = 0; k < p; ++k) {
-        const double *source = b + k * n + firstCol;
+        const double *source = b + k * ldb + firstCol;
         double *target = panel + k * Width;
         std::copy(source, source + width, target);
         std::fill(target + width, target + Width, 0.0);
     }
 }
 
-// The product panel by panel: Width result columns at a time, RowBlock rows per kernel call.
+// The product panel by panel: Width result columns at a time, RowBlock rows per kernel call. A
+// panel is packed into `scratch` (p x Width doubles) when packAll is set, or when it is narrower
+// than Width and b's rows may not be read past n; otherwise the kernel reads it where it lies,
+// ldb apart. A full panel's sums go straight into c, a narrow one's through a local block.
 template <int Width, int RowBlock>
-void multiplyWith(PanelKernel kernel, const double *a, const double *b, double *c, int m, int p, int n) {
+void multiplyWith(PanelKernel kernel, const StridedProduct &product, bool packAll, double *scratch) {
+    if (product.m <= 0 || product.n <= 0) {
+        return;
+    }
+    const std::ptrdiff_t depth = std::max(product.p, 0);
+    double block[RowBlock * Width];
+    for (std::ptrdiff_t firstCol = 0; firstCol < product.n; firstCol += Width) {
+        const int panelCols = static_cast<int>(std::min<std::ptrdiff_t>(Width, product.n - firstCol));
+        PanelSource source{product.a, product.lda, product.b + firstCol, product.ldb};
+        if (packAll || (panelCols < Width && !product.paddedB)) {
+            packPanel<Width>(product.b, depth, product.ldb, firstCol, panelCols, scratch);
+            source.panel = scratch;
+            source.ldPanel = Width;
+        }
+        for (int firstRow = 0; firstRow < product.m; firstRow += RowBlock) {
+            const int blockRows = std::min(RowBlock, product.m - firstRow);
+            source.a = product.a + firstRow * product.lda;
+            double *target = product.c + firstRow * product.ldc + firstCol;
+            if (panelCols == Width) {
+                kernel(source, blockRows, depth, target, product.ldc);
+                continue;
+            }
+            kernel(source, blockRows, depth, block, Width);
+            for (int r = 0; r < blockRows; ++r) {
+                const double *row = block + r * Width;
+                std::copy(row, row + panelCols, target + r * product.ldc);
+            }
+        }
+    }
+}
+
+// `multiply` through multiplyWith: contiguous operands, every panel packed into one allocation.
+template <int Width, int RowBlock>
+void multiplyPacked(PanelKernel kernel, const double *a, const double *b, double *c, int m, int p, int n) {
     if (m <= 0 || n <= 0) {
         return;
     }
     const std::ptrdiff_t depth = std::max(p, 0);
-    const std::ptrdiff_t width = n;
     std::unique_ptr<double[]> panel(new double[static_cast<std::size_t>(depth) * Width]);
-    double block[RowBlock * Width];
-    for (std::ptrdiff_t firstCol = 0; firstCol < width; firstCol += Width) {
-        const int panelCols = static_cast<int>(std::min<std::ptrdiff_t>(Width, width - firstCol));
-        packPanel<Width>(b, depth, width, firstCol, panelCols, panel.get());
-        for (int firstRow = 0; firstRow < m; firstRow += RowBlock) {
-            const int blockRows = std::min(RowBlock, m - firstRow);
-            kernel(a + firstRow * depth, blockRows, depth, panel.get(), block);
-            for (int r = 0; r < blockRows; ++r) {
-                const double *source = block + r * Width;
-                std::copy(source, source + panelCols, c + (firstRow + r) * width + firstCol);
-            }
-        }
-    }
+    const StridedProduct product{a, depth, b, n, c, n, m, p, n, false};
+    multiplyWith<Width, RowBlock>(kernel, product, true, panel.get());
 }
 
 #if TARN_HAVE_AVX2_KERNELS
@@ -150,7 +193,10 @@ void multiplyWith(PanelKernel kernel, const double *a, const double *b, double *
 // keeps its own pair. Per k: one broadcast of a[r][k], one multiply and one add per register,
 // exactly the operations of the AVX2 kernel in wider lanes.
 template <int Rows>
-TARN_TARGET_AVX512 void panelRowsAvx512(const double *a, std::ptrdiff_t p, const double *panel, double *out) {
+TARN_TARGET_AVX512 void panelRowsAvx512(const PanelSource &source, std::ptrdiff_t p, double *out,
+                                        std::ptrdiff_t ldOut) {
+    const double *a = source.a;
+    const std::ptrdiff_t lda = source.lda;
     __m512d low[Rows];
     __m512d high[Rows];
 #pragma GCC unroll 8
@@ -159,48 +205,49 @@ TARN_TARGET_AVX512 void panelRowsAvx512(const double *a, std::ptrdiff_t p, const
         high[r] = _mm512_setzero_pd();
     }
     for (std::ptrdiff_t k = 0; k < p; ++k) {
-        const __m512d bLow = _mm512_loadu_pd(panel + k * kWidePanelWidth);
-        const __m512d bHigh = _mm512_loadu_pd(panel + k * kWidePanelWidth + 8);
+        const double *b = source.panel + k * source.ldPanel;
+        const __m512d bLow = _mm512_loadu_pd(b);
+        const __m512d bHigh = _mm512_loadu_pd(b + 8);
 #pragma GCC unroll 8
         for (int r = 0; r < Rows; ++r) {
-            const __m512d factor = _mm512_set1_pd(a[r * p + k]);
+            const __m512d factor = _mm512_set1_pd(a[r * lda + k]);
             low[r] = _mm512_add_pd(low[r], _mm512_mul_pd(factor, bLow));
             high[r] = _mm512_add_pd(high[r], _mm512_mul_pd(factor, bHigh));
         }
     }
 #pragma GCC unroll 8
     for (int r = 0; r < Rows; ++r) {
-        _mm512_storeu_pd(out + r * kWidePanelWidth, low[r]);
-        _mm512_storeu_pd(out + r * kWidePanelWidth + 8, high[r]);
+        _mm512_storeu_pd(out + r * ldOut, low[r]);
+        _mm512_storeu_pd(out + r * ldOut + 8, high[r]);
     }
 }
 
-TARN_TARGET_AVX512 void panelKernelAvx512(const double *a, int blockRows, std::ptrdiff_t p,
-                                          const double *panel, double *out) {
+TARN_TARGET_AVX512 void panelKernelAvx512(const PanelSource &source, int blockRows, std::ptrdiff_t p,
+                                          double *out, std::ptrdiff_t ldOut) {
     switch (blockRows) {
     case 8:
-        panelRowsAvx512<8>(a, p, panel, out);
+        panelRowsAvx512<8>(source, p, out, ldOut);
         break;
     case 7:
-        panelRowsAvx512<7>(a, p, panel, out);
+        panelRowsAvx512<7>(source, p, out, ldOut);
         break;
     case 6:
-        panelRowsAvx512<6>(a, p, panel, out);
+        panelRowsAvx512<6>(source, p, out, ldOut);
         break;
     case 5:
-        panelRowsAvx512<5>(a, p, panel, out);
+        panelRowsAvx512<5>(source, p, out, ldOut);
         break;
     case 4:
-        panelRowsAvx512<4>(a, p, panel, out);
+        panelRowsAvx512<4>(source, p, out, ldOut);
         break;
     case 3:
-        panelRowsAvx512<3>(a, p, panel, out);
+        panelRowsAvx512<3>(source, p, out, ldOut);
         break;
     case 2:
-        panelRowsAvx512<2>(a, p, panel, out);
+        panelRowsAvx512<2>(source, p, out, ldOut);
         break;
     default:
-        panelRowsAvx512<1>(a, p, panel, out);
+        panelRowsAvx512<1>(source, p, out, ldOut);
         break;
     }
 }
@@ -209,7 +256,11 @@ TARN_TARGET_AVX512 void panelKernelAvx512(const double *a, int blockRows, std::p
 } // namespace
 
 void multiplyPortable(const double *a, const double *b, double *c, int m, int p, int n) {
-    multiplyWith<kPanelWidth, kRowBlock>(panelKernelPortable, a, b, c, m, p, n);
+    multiplyPacked<kPanelWidth, kRowBlock>(panelKernelPortable, a, b, c, m, p, n);
+}
+
+void multiplyStridedPortable(const StridedProduct &product, double *scratch) {
+    multiplyWith<kPanelWidth, kRowBlock>(panelKernelPortable, product, false, scratch);
 }
 
 void addScaledTermsPortable(double *const *y, int targets, const double *const *x, const double *factors,
@@ -229,11 +280,19 @@ void addScaledTermsPortable(double *const *y, int targets, const double *const *
 
 #if TARN_HAVE_AVX2_KERNELS
 void multiplyAvx2(const double *a, const double *b, double *c, int m, int p, int n) {
-    multiplyWith<kPanelWidth, kRowBlock>(panelKernelAvx2, a, b, c, m, p, n);
+    multiplyPacked<kPanelWidth, kRowBlock>(panelKernelAvx2, a, b, c, m, p, n);
 }
 
 void multiplyAvx512(const double *a, const double *b, double *c, int m, int p, int n) {
-    multiplyWith<kWidePanelWidth, kWideRowBlock>(panelKernelAvx512, a, b, c, m, p, n);
+    multiplyPacked<kWidePanelWidth, kWideRowBlock>(panelKernelAvx512, a, b, c, m, p, n);
+}
+
+void multiplyStridedAvx2(const StridedProduct &product, double *scratch) {
+    multiplyWith<kPanelWidth, kRowBlock>(panelKernelAvx2, product, false, scratch);
+}
+
+void multiplyStridedAvx512(const StridedProduct &product, double *scratch) {
+    multiplyWith<kWidePanelWidth, kWideRowBlock>(panelKernelAvx512, product, false, scratch);
 }
 
 namespace {
@@ -384,6 +443,14 @@ void multiplyAvx512(const double *a, const double *b, double *c, int m, int p, i
     multiplyPortable(a, b, c, m, p, n);
 }
 
+void multiplyStridedAvx2(const StridedProduct &product, double *scratch) {
+    multiplyStridedPortable(product, scratch);
+}
+
+void multiplyStridedAvx512(const StridedProduct &product, double *scratch) {
+    multiplyStridedPortable(product, scratch);
+}
+
 void addScaledTermsAvx2(double *const *y, int targets, const double *const *x, const double *factors,
                         int terms, int count) {
     addScaledTermsPortable(y, targets, x, factors, terms, count);
@@ -410,6 +477,16 @@ void multiply(const double *a, const double *b, double *c, int m, int p, int n) 
         multiplyAvx2(a, b, c, m, p, n);
     } else {
         multiplyPortable(a, b, c, m, p, n);
+    }
+}
+
+void multiplyStrided(const StridedProduct &product, double *scratch) {
+    if (hasAvx512()) {
+        multiplyStridedAvx512(product, scratch);
+    } else if (hasAvx2()) {
+        multiplyStridedAvx2(product, scratch);
+    } else {
+        multiplyStridedPortable(product, scratch);
     }
 }
 

@@ -1,6 +1,8 @@
 // Internal numeric kernels of the matrix family: the dense product and the scaled row update.
 #pragma once
 
+#include <cstddef>
+
 // Every kernel gives, element for element, the bits of the plain loop it replaces: each result
 // element is summed over k in rising order from an accumulator of 0.0, one multiply and one add
 // per term, never fused and never regrouped. Speed comes only from working on several result
@@ -25,6 +27,39 @@ void multiplyAvx2(const double *a, const double *b, double *c, int m, int p, int
 /// `multiply` on the AVX-512 path (panels of 16 columns, 8 rows at a time); call it only when
 /// `hasAvx512` is true.
 void multiplyAvx512(const double *a, const double *b, double *c, int m, int p, int n);
+
+/// A product c = a x b of blocks that lie inside larger row-major matrices: a is m x p with rows
+/// lda apart, b is p x n with rows ldb apart, c is m x n with rows ldc apart. c must not overlap
+/// the elements of a or b that the product reads. paddedB tells that each row of b may be read up
+/// to kMaxPanelWidth - 1 elements past its n-th (values that are read and discarded), which
+/// spares the copy of a last narrow panel.
+struct StridedProduct {
+    const double *a;
+    std::ptrdiff_t lda;
+    const double *b;
+    std::ptrdiff_t ldb;
+    double *c;
+    std::ptrdiff_t ldc;
+    int m;
+    int p;
+    int n;
+    bool paddedB;
+};
+
+/// The widest panel of any path: the scratch of `multiplyStrided` holds p times this many doubles.
+constexpr int kMaxPanelWidth = 16;
+
+/// `multiply` on strided blocks: each element of c gets the same sum, in the same order, as
+/// `multiply` gives. Reads b where it lies and, unless paddedB, packs a last panel narrower than
+/// the path's width into `scratch` (p x kMaxPanelWidth doubles; unused with paddedB, and then it
+/// may be null); allocates nothing.
+void multiplyStrided(const StridedProduct &product, double *scratch);
+
+/// `multiplyStrided` on the portable, AVX2 and AVX-512 paths; the wider ones only when `hasAvx2` or
+/// `hasAvx512` is true.
+void multiplyStridedPortable(const StridedProduct &product, double *scratch);
+void multiplyStridedAvx2(const StridedProduct &product, double *scratch);
+void multiplyStridedAvx512(const StridedProduct &product, double *scratch);
 
 /// The most terms and the most targets that one `addScaledTerms` call takes.
 constexpr int kMaxTerms = 4;
