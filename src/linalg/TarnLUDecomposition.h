@@ -38,7 +38,7 @@ private:
     /// Columns per block: eight rows of the products' left factor fill the widest path's row block.
     static constexpr int kBlockColumns = 8;
     /// Rows per chunk of the rows above a block: one panel of the widest path.
-    static constexpr int kChunkRows = 16;
+    static constexpr int kChunkRows = tarn::linalg::kMaxPanelWidth;
 
     /// The columns first .. first + count - 1 under way: their storage holds running sums, and
     /// former[c] the values of column first + c that are not final yet.

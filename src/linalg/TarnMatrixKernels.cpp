@@ -2,6 +2,7 @@
 #include "linalg/TarnMatrixKernels.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <memory>
 
@@ -470,10 +471,30 @@ bool hasAvx512() {
 }
 #endif
 
+namespace {
+
+// The widest path that the dispatching functions may take, as a KernelPath value.
+std::atomic<int> widestAllowed{static_cast<int>(KernelPath::avx512)};
+
+bool useAvx512() {
+    return hasAvx512() &&
+           widestAllowed.load(std::memory_order_relaxed) >= static_cast<int>(KernelPath::avx512);
+}
+
+bool useAvx2() {
+    return hasAvx2() && widestAllowed.load(std::memory_order_relaxed) >= static_cast<int>(KernelPath::avx2);
+}
+
+} // namespace
+
+void limitKernelPath(KernelPath widest) {
+    widestAllowed.store(static_cast<int>(widest), std::memory_order_relaxed);
+}
+
 void multiply(const double *a, const double *b, double *c, int m, int p, int n) {
-    if (hasAvx512()) {
+    if (useAvx512()) {
         multiplyAvx512(a, b, c, m, p, n);
-    } else if (hasAvx2()) {
+    } else if (useAvx2()) {
         multiplyAvx2(a, b, c, m, p, n);
     } else {
         multiplyPortable(a, b, c, m, p, n);
@@ -481,9 +502,9 @@ void multiply(const double *a, const double *b, double *c, int m, int p, int n) 
 }
 
 void multiplyStrided(const StridedProduct &product, double *scratch) {
-    if (hasAvx512()) {
+    if (useAvx512()) {
         multiplyStridedAvx512(product, scratch);
-    } else if (hasAvx2()) {
+    } else if (useAvx2()) {
         multiplyStridedAvx2(product, scratch);
     } else {
         multiplyStridedPortable(product, scratch);
@@ -492,9 +513,9 @@ void multiplyStrided(const StridedProduct &product, double *scratch) {
 
 void addScaledTerms(double *const *y, int targets, const double *const *x, const double *factors, int terms,
                     int count) {
-    if (hasAvx512()) {
+    if (useAvx512()) {
         addScaledTermsAvx512(y, targets, x, factors, terms, count);
-    } else if (hasAvx2()) {
+    } else if (useAvx2()) {
         addScaledTermsAvx2(y, targets, x, factors, terms, count);
     } else {
         addScaledTermsPortable(y, targets, x, factors, terms, count);

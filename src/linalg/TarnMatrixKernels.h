@@ -61,6 +61,14 @@ void multiplyStridedPortable(const StridedProduct &product, double *scratch);
 void multiplyStridedAvx2(const StridedProduct &product, double *scratch);
 void multiplyStridedAvx512(const StridedProduct &product, double *scratch);
 
+/// The kernel paths, narrowest first.
+enum class KernelPath { portable, avx2, avx512 };
+
+/// Makes every dispatching function above take no path wider than `widest` (the processor's own
+/// limit still holds), so that tests can run each path through the callers; `avx512` lifts the
+/// limit. Not meant to change while kernels run on other threads.
+void limitKernelPath(KernelPath widest);
+
 /// The most terms and the most targets that one `addScaledTerms` call takes.
 constexpr int kMaxTerms = 4;
 constexpr int kMaxTargets = 4;
