@@ -50,9 +50,9 @@ TarnLUDecomposition::TarnLUDecomposition(const TarnMatrix &matrix)
         factorSmall();
         return;
     }
-    // One scratch block: the former values of the block's columns.
-    const std::size_t height = static_cast<std::size_t>(m);
-    std::unique_ptr<double[]> scratch(new double[height * kBlockColumns]);
+    // One scratch block: the former values of the block's columns, each padded as a factor row is.
+    const std::size_t height = static_cast<std::size_t>(m) + kRowPadding;
+    std::unique_ptr<double[]> scratch(new double[height * kBlockColumns]());
     for (int first = 0; first < n; first += kBlockColumns) {
         ColumnBlock block;
         block.first = first;
@@ -75,7 +75,7 @@ TarnLUDecomposition::TarnLUDecomposition(const TarnMatrix &matrix)
         for (int chunk = 0; chunk < settled; chunk += kChunkRows) {
             const int chunkEnd = std::min(settled, chunk + kChunkRows);
             addProducts(block, chunk, chunk, chunkEnd);
-            addTerms(block, 0, block.count, chunk, chunkEnd, chunkEnd);
+            finishChunk(block, chunk, chunkEnd);
         }
         // The rows from the block down have the terms of every row above the block in one product.
         addProducts(block, settled, settled, m);
@@ -94,12 +94,16 @@ void TarnLUDecomposition::loadColumns(const TarnMatrix &matrix) {
     constexpr int kTile = 16;
     for (int firstRow = 0; firstRow < m; firstRow += kTile) {
         const int lastRow = std::min(m, firstRow + kTile);
+        const double *rows[kTile] = {};
+        for (int i = firstRow; i < lastRow; ++i) {
+            rows[i - firstRow] = matrix[i];
+        }
         for (int firstCol = 0; firstCol < n; firstCol += kTile) {
             const int lastCol = std::min(n, firstCol + kTile);
             for (int j = firstCol; j < lastCol; ++j) {
-                double *target = columns[j];
-                for (int i = firstRow; i < lastRow; ++i) {
-                    target[i] = matrix[i][j];
+                double *target = columns[j] + firstRow;
+                for (int i = 0; i < lastRow - firstRow; ++i) {
+                    target[i] = rows[i][j];
                 }
             }
         }
@@ -160,6 +164,23 @@ void TarnLUDecomposition::factorSmall() {
             }
         }
     }
+}
+
+void TarnLUDecomposition::finishChunk(ColumnBlock &block, int begin, int end) {
+    double *sums[kBlockColumns] = {};
+    for (int c = 0; c < block.count; ++c) {
+        sums[c] = columns[block.first + c];
+    }
+    const double *multipliers[kChunkRows] = {};
+    for (int k = begin; k < end; ++k) {
+        multipliers[k - begin] = columns[k];
+    }
+    // Rows past the chunk's end are read from the multipliers of its last row: any row of the
+    // factors may be read kRowPadding past m.
+    for (int k = end; k < begin + kChunkRows; ++k) {
+        multipliers[k - begin] = columns[end - 1];
+    }
+    tarn::linalg::finishChunk({sums, block.former, multipliers, block.count, begin, end});
 }
 
 void TarnLUDecomposition::addTerms(const ColumnBlock &block, int firstTarget, int targets, int kBegin,

@@ -23,7 +23,7 @@
 class TarnLUDecomposition {
 public:
     /// Factorizes `matrix`. Allocates the factors, m pivot indices, and (above kSmallOrder rows or
-    /// columns) one scratch block of 8 x m doubles that is released before the constructor returns.
+    /// columns) one scratch block of 8 x (m + 15) doubles that is released before the constructor returns.
     explicit TarnLUDecomposition(const TarnMatrix &matrix);
 
     /// Solves against the factors: `result` becomes the m x nx solution for the nx columns of
@@ -38,7 +38,9 @@ private:
     /// Columns per block: eight rows of the products' left factor fill the widest path's row block.
     static constexpr int kBlockColumns = 8;
     /// Rows per chunk of the rows above a block: one panel of the widest path.
-    static constexpr int kChunkRows = tarn::linalg::kMaxPanelWidth;
+    static constexpr int kChunkRows = tarn::linalg::kMaxChunkRows;
+    static_assert(kChunkRows == tarn::linalg::kMaxPanelWidth, "a chunk is one panel of the products");
+    static_assert(kBlockColumns <= tarn::linalg::kMaxChunkTargets, "a chunk takes every column of a block");
 
     /// The columns first .. first + count - 1 under way: their storage holds running sums, and
     /// former[c] the values of column first + c that are not final yet.
@@ -64,6 +66,9 @@ private:
     // Puts into rows rowBegin .. rowEnd - 1 of the block's columns the sums of the terms of rows
     // 0 .. depth - 1, which must be final there, replacing what those rows held.
     void addProducts(const ColumnBlock &block, int depth, int rowBegin, int rowEnd);
+    // Makes rows begin .. end - 1 (one chunk) final in every column of the block, each passing its
+    // term to the later rows of the chunk; the rows hold the terms of every row above begin.
+    void finishChunk(ColumnBlock &block, int begin, int end);
     // Makes rows kBegin .. kEnd - 1 final in columns block.first + firstTarget and on (targets of
     // them), each row passing its term to every later row of those columns up to rowEnd - 1.
     void addTerms(const ColumnBlock &block, int firstTarget, int targets, int kBegin, int kEnd, int rowEnd);

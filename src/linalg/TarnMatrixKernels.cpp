@@ -264,6 +264,22 @@ void multiplyStridedPortable(const StridedProduct &product, double *scratch) {
     multiplyWith<kPanelWidth, kRowBlock>(panelKernelPortable, product, false, scratch);
 }
 
+void finishChunkPortable(const ChunkTriangle &chunk) {
+    for (int c = 0; c < chunk.targets; ++c) {
+        double *sums = chunk.sums[c];
+        double *former = chunk.former[c];
+        for (int k = chunk.begin; k < chunk.end; ++k) {
+            const double value = former[k] - sums[k];
+            sums[k] = value;
+            former[k] = value;
+            const double *multipliers = chunk.multipliers[k - chunk.begin];
+            for (int i = k + 1; i < chunk.end; ++i) {
+                sums[i] += multipliers[i] * value;
+            }
+        }
+    }
+}
+
 void addScaledTermsPortable(double *const *y, int targets, const double *const *x, const double *factors,
                             int terms, int count) {
     for (int c = 0; c < targets; ++c) {
@@ -294,6 +310,96 @@ void multiplyStridedAvx2(const StridedProduct &product, double *scratch) {
 
 void multiplyStridedAvx512(const StridedProduct &product, double *scratch) {
     multiplyWith<kWidePanelWidth, kWideRowBlock>(panelKernelAvx512, product, false, scratch);
+}
+
+namespace {
+
+// Transposes the 8 x 8 block held in eight registers, one row each: afterwards rows[i] holds what
+// was column i.
+TARN_TARGET_AVX512 void transpose8x8(__m512d *rows) {
+    const __m512i evenColumns = _mm512_setr_epi64(0, 8, 2, 10, 4, 12, 6, 14);
+    const __m512i oddColumns = _mm512_setr_epi64(1, 9, 3, 11, 5, 13, 7, 15);
+    __m512d pairs[8];
+#pragma GCC unroll 4
+    for (int i = 0; i < 8; i += 2) {
+        // Columns 0, 2, 4, 6 of rows i and i + 1, interleaved; then columns 1, 3, 5, 7.
+        pairs[i] = _mm512_permutex2var_pd(rows[i], evenColumns, rows[i + 1]);
+        pairs[i + 1] = _mm512_permutex2var_pd(rows[i], oddColumns, rows[i + 1]);
+    }
+    const __m512i lowPairs = _mm512_setr_epi64(0, 1, 8, 9, 4, 5, 12, 13);
+    const __m512i highPairs = _mm512_setr_epi64(2, 3, 10, 11, 6, 7, 14, 15);
+    __m512d quads[8];
+#pragma GCC unroll 2
+    for (int half = 0; half < 8; half += 4) {
+        // Rows half .. half + 3: quads[half + q] holds columns q' and q' + 4 of those four rows,
+        // with q' = 0, 2, 1, 3 for q = 0, 1, 2, 3.
+        quads[half] = _mm512_permutex2var_pd(pairs[half], lowPairs, pairs[half + 2]);
+        quads[half + 1] = _mm512_permutex2var_pd(pairs[half], highPairs, pairs[half + 2]);
+        quads[half + 2] = _mm512_permutex2var_pd(pairs[half + 1], lowPairs, pairs[half + 3]);
+        quads[half + 3] = _mm512_permutex2var_pd(pairs[half + 1], highPairs, pairs[half + 3]);
+    }
+    const __m512i lowQuads = _mm512_setr_epi64(0, 1, 2, 3, 8, 9, 10, 11);
+    const __m512i highQuads = _mm512_setr_epi64(4, 5, 6, 7, 12, 13, 14, 15);
+    const int columnOf[4] = {0, 2, 1, 3};
+#pragma GCC unroll 4
+    for (int q = 0; q < 4; ++q) {
+        rows[columnOf[q]] = _mm512_permutex2var_pd(quads[q], lowQuads, quads[q + 4]);
+        rows[columnOf[q] + 4] = _mm512_permutex2var_pd(quads[q], highQuads, quads[q + 4]);
+    }
+}
+
+// Loads rows begin + first .. begin + first + 7 of up to eight columns as eight row registers,
+// one lane per column; the lanes of missing columns are 0.0.
+TARN_TARGET_AVX512 void loadRows(double *const *columns, int targets, int row, __m512d *rows) {
+#pragma GCC unroll 8
+    for (int c = 0; c < 8; ++c) {
+        rows[c] = c < targets ? _mm512_loadu_pd(columns[c] + row) : _mm512_setzero_pd();
+    }
+    transpose8x8(rows);
+}
+
+// Stores eight row registers back into the columns (lane c into column c), rows row and on, but
+// only the first `count` of them.
+TARN_TARGET_AVX512 void storeRows(double *const *columns, int targets, int row, int count, __m512d *rows) {
+    transpose8x8(rows);
+    const __mmask8 mask = static_cast<__mmask8>(count >= 8 ? 0xFF : (1u << count) - 1u);
+    for (int c = 0; c < targets; ++c) {
+        _mm512_mask_storeu_pd(columns[c] + row, mask, rows[c]);
+    }
+}
+
+} // namespace
+
+// The chunk with its rows in registers, one lane per column: each row's step is one operation
+// over every column, the same operations per element as the portable form.
+TARN_TARGET_AVX512 void finishChunkAvx512(const ChunkTriangle &chunk) {
+    const int rows = chunk.end - chunk.begin;
+    __m512d sums[kMaxChunkRows];
+    __m512d former[kMaxChunkRows];
+    for (int half = 0; half < kMaxChunkRows; half += 8) {
+        loadRows(chunk.sums, chunk.targets, chunk.begin + half, sums + half);
+        loadRows(chunk.former, chunk.targets, chunk.begin + half, former + half);
+    }
+    // Rows from `rows` on are worked out too, from values read past the chunk, and never stored.
+#pragma GCC unroll 16
+    for (int k = 0; k < kMaxChunkRows; ++k) {
+        if (k >= rows) {
+            break;
+        }
+        const __m512d value = _mm512_sub_pd(former[k], sums[k]);
+        sums[k] = value;
+        const double *multipliers = chunk.multipliers[k] + chunk.begin;
+#pragma GCC unroll 16
+        for (int i = k + 1; i < kMaxChunkRows; ++i) {
+            sums[i] = _mm512_add_pd(sums[i], _mm512_mul_pd(_mm512_set1_pd(multipliers[i]), value));
+        }
+    }
+    for (int half = 0; half < kMaxChunkRows && half < rows; half += 8) {
+        __m512d copy[8];
+        std::copy(sums + half, sums + half + 8, copy);
+        storeRows(chunk.sums, chunk.targets, chunk.begin + half, rows - half, sums + half);
+        storeRows(chunk.former, chunk.targets, chunk.begin + half, rows - half, copy);
+    }
 }
 
 namespace {
@@ -452,6 +558,10 @@ void multiplyStridedAvx512(const StridedProduct &product, double *scratch) {
     multiplyStridedPortable(product, scratch);
 }
 
+void finishChunkAvx512(const ChunkTriangle &chunk) {
+    finishChunkPortable(chunk);
+}
+
 void addScaledTermsAvx2(double *const *y, int targets, const double *const *x, const double *factors,
                         int terms, int count) {
     addScaledTermsPortable(y, targets, x, factors, terms, count);
@@ -489,6 +599,14 @@ bool useAvx2() {
 
 void limitKernelPath(KernelPath widest) {
     widestAllowed.store(static_cast<int>(widest), std::memory_order_relaxed);
+}
+
+void finishChunk(const ChunkTriangle &chunk) {
+    if (useAvx512()) {
+        finishChunkAvx512(chunk);
+    } else {
+        finishChunkPortable(chunk);
+    }
 }
 
 void multiply(const double *a, const double *b, double *c, int m, int p, int n) {

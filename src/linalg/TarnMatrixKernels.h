@@ -61,6 +61,34 @@ void multiplyStridedPortable(const StridedProduct &product, double *scratch);
 void multiplyStridedAvx2(const StridedProduct &product, double *scratch);
 void multiplyStridedAvx512(const StridedProduct &product, double *scratch);
 
+/// The most rows and the most columns that one `finishChunk` call takes.
+constexpr int kMaxChunkRows = 16;
+constexpr int kMaxChunkTargets = 8;
+
+/// Rows begin .. end - 1 (at most kMaxChunkRows) of `targets` columns (at most kMaxChunkTargets)
+/// of an LU factorization in progress, all indexed by row number: sums[c] holds column c's
+/// running sums, which have the terms of every row above begin, former[c] its values before any
+/// term, and multipliers[k - begin] the factor column of row k. Every one of these may be read
+/// (never written) up to row begin + kMaxChunkRows - 1, whatever end is.
+struct ChunkTriangle {
+    double *const *sums;
+    double *const *former;
+    const double *const *multipliers;
+    int targets;
+    int begin;
+    int end;
+};
+
+/// Makes the chunk's rows final in order: row k becomes its former value less its sum (written to
+/// both sums and former) and passes its term, multipliers[k - begin][i] times that value, to each
+/// later row i of the chunk. Each element receives its terms in rising row order, one multiply
+/// and one add each, as the plain loop does. Writes rows begin .. end - 1 only.
+void finishChunk(const ChunkTriangle &chunk);
+
+/// `finishChunk` on the portable path and (only when `hasAvx512` is true) the AVX-512 path.
+void finishChunkPortable(const ChunkTriangle &chunk);
+void finishChunkAvx512(const ChunkTriangle &chunk);
+
 /// The kernel paths, narrowest first.
 enum class KernelPath { portable, avx2, avx512 };
 
