@@ -316,7 +316,7 @@ namespace {
 
 // Transposes the 8 x 8 block held in eight registers, one row each: afterwards rows[i] holds what
 // was column i.
-TARN_TARGET_AVX512 void transpose8x8(__m512d *rows) {
+TARN_TARGET_AVX512 inline __attribute__((always_inline)) void transpose8x8(__m512d *rows) {
     const __m512i evenColumns = _mm512_setr_epi64(0, 8, 2, 10, 4, 12, 6, 14);
     const __m512i oddColumns = _mm512_setr_epi64(1, 9, 3, 11, 5, 13, 7, 15);
     __m512d pairs[8];
