@@ -58,6 +58,10 @@ TarnLUDecomposition::TarnLUDecomposition(const TarnMatrix &matrix)
         block.first = first;
         block.count = std::min(kBlockColumns, n - first);
         std::fill(std::begin(block.exchangedWith), std::end(block.exchangedWith), -1);
+        // The sums start at 0.0 where no product writes them: in the first chunk, or everywhere
+        // when no row lies above the block.
+        const int settled = std::min(first, m);
+        const int unwritten = settled > 0 ? std::min(kChunkRows, settled) : m;
         for (int c = 0; c < block.count; ++c) {
             // The columns from this block on have seen no exchange yet: each takes them all at
             // once through the pivot table, in which row i holds input row pivots[i].
@@ -66,12 +70,11 @@ TarnLUDecomposition::TarnLUDecomposition(const TarnMatrix &matrix)
             for (int i = 0; i < m; ++i) {
                 block.former[c][i] = column[pivots[i]];
             }
-            std::fill(column, column + m, 0.0);
+            std::fill(column, column + unwritten, 0.0);
         }
         // The rows above the block, a chunk at a time: the terms of the rows above the chunk in
         // one product, then the chunk's own triangle, each row passing its term to the later rows
         // of the chunk. Every element still receives its terms in rising order from 0.0.
-        const int settled = std::min(first, m);
         for (int chunk = 0; chunk < settled; chunk += kChunkRows) {
             const int chunkEnd = std::min(settled, chunk + kChunkRows);
             addProducts(block, chunk, chunk, chunkEnd);
