@@ -125,8 +125,8 @@ void TarnLUDecomposition::addProducts(const ColumnBlock &block, int depth, int r
     double *blockRows = columns[block.first];
     const tarn::linalg::StridedProduct product{
         blockRows,   stride, columns[0] + rowBegin, stride, blockRows + rowBegin, stride,
-        block.count, depth,  rowEnd - rowBegin,     true};
-    tarn::linalg::multiplyStrided(product, nullptr);
+        block.count, depth,  rowEnd - rowBegin};
+    tarn::linalg::multiplyStrided(product);
 }
 
 void TarnLUDecomposition::factorSmall() {
@@ -178,67 +178,44 @@ void TarnLUDecomposition::finishChunk(ColumnBlock &block, int begin, int end) {
     for (int k = begin; k < end; ++k) {
         multipliers[k - begin] = columns[k];
     }
-    // Rows past the chunk's end are read from the multipliers of its last row: any row of the
-    // factors may be read kRowPadding past m.
-    for (int k = end; k < begin + kChunkRows; ++k) {
-        multipliers[k - begin] = columns[end - 1];
-    }
     tarn::linalg::finishChunk({sums, block.former, multipliers, block.count, begin, end});
 }
 
-void TarnLUDecomposition::addTerms(const ColumnBlock &block, int firstTarget, int targets, int kBegin,
-                                   int kEnd, int rowEnd) {
-    // The columns are independent: the row-update kernel takes them a group at a time.
-    for (int group = 0; group < targets; group += tarn::linalg::kMaxTargets) {
-        addTermsToGroup(block, firstTarget + group, std::min(tarn::linalg::kMaxTargets, targets - group),
-                        kBegin, kEnd, rowEnd);
-    }
-}
-
-void TarnLUDecomposition::addTermsToGroup(const ColumnBlock &block, int firstTarget, int targets, int kBegin,
-                                          int kEnd, int rowEnd) {
-    // Row k of a column is final once it has the terms of all rows above it: its new value is its
-    // former value minus its running sum. Term k (L(i, k) times that value) then goes to every row
-    // below, so that each row's sum grows in rising k from 0.0, exactly as the dot product of the
-    // row with the updated column would. Terms go out in groups: the rows of a group are finished
-    // one by one, each passing its term to the later rows of the group, and then the group's
-    // terms reach all rows below it in one pass, in the same order.
-    double *sums[tarn::linalg::kMaxTargets] = {};
-    for (int c = 0; c < targets; ++c) {
-        sums[c] = columns[block.first + firstTarget + c];
-    }
+void TarnLUDecomposition::addTerms(const ColumnBlock &block, int index, int kBegin, int kEnd) {
+    // Row k of the column is final once it has the terms of all rows above it: its new value is
+    // its former value minus its running sum. Term k (L(i, k) times that value) then goes to every
+    // row below, so that each row's sum grows in rising k from 0.0, exactly as the dot product of
+    // the row with the updated column would. Terms go out in groups: the rows of a group are
+    // finished one by one, each passing its term to the later rows of the group, and then the
+    // group's terms reach all rows below it in one pass, in the same order.
+    double *sums = columns[block.first + index];
+    double *former = block.former[index];
     const double *sources[tarn::linalg::kMaxTerms] = {};
-    double values[tarn::linalg::kMaxTargets * tarn::linalg::kMaxTerms] = {};
+    double values[tarn::linalg::kMaxTerms] = {};
     for (int groupStart = kBegin; groupStart < kEnd; groupStart += tarn::linalg::kMaxTerms) {
         const int terms = std::min(tarn::linalg::kMaxTerms, kEnd - groupStart);
         const int below = groupStart + terms;
         for (int t = 0; t < terms; ++t) {
             const int k = groupStart + t;
             const double *multipliers = columns[k];
-            for (int c = 0; c < targets; ++c) {
-                double *former = block.former[firstTarget + c];
-                const double value = former[k] - sums[c][k];
-                former[k] = value;
-                sums[c][k] = value;
-                for (int i = k + 1; i < below; ++i) {
-                    sums[c][i] += multipliers[i] * value;
-                }
-                values[c * tarn::linalg::kMaxTerms + t] = value;
+            const double value = former[k] - sums[k];
+            former[k] = value;
+            sums[k] = value;
+            for (int i = k + 1; i < below; ++i) {
+                sums[i] += multipliers[i] * value;
             }
+            values[t] = value;
             sources[t] = multipliers + below;
         }
-        double *targetRows[tarn::linalg::kMaxTargets] = {};
-        for (int c = 0; c < targets; ++c) {
-            targetRows[c] = sums[c] + below;
-        }
-        tarn::linalg::addScaledTerms(targetRows, targets, sources, values, terms, rowEnd - below);
+        double *target = sums + below;
+        tarn::linalg::addScaledTerms(&target, 1, sources, values, terms, m - below);
     }
 }
 
 void TarnLUDecomposition::finishColumn(ColumnBlock &block, int index) {
     const int j = block.first + index;
     // The rows of the block above j are final by now: their terms complete the triangle.
-    addTerms(block, index, 1, std::min(block.first, m), std::min(j, m), m);
+    addTerms(block, index, std::min(block.first, m), std::min(j, m));
     double *column = columns[j];
     double *former = block.former[index];
     for (int i = j; i < m; ++i) {

@@ -69,12 +69,9 @@ private:
     // Makes rows begin .. end - 1 (one chunk) final in every column of the block, each passing its
     // term to the later rows of the chunk; the rows hold the terms of every row above begin.
     void finishChunk(ColumnBlock &block, int begin, int end);
-    // Makes rows kBegin .. kEnd - 1 final in columns block.first + firstTarget and on (targets of
-    // them), each row passing its term to every later row of those columns up to rowEnd - 1.
-    void addTerms(const ColumnBlock &block, int firstTarget, int targets, int kBegin, int kEnd, int rowEnd);
-    // addTerms for at most kMaxTargets columns.
-    void addTermsToGroup(const ColumnBlock &block, int firstTarget, int targets, int kBegin, int kEnd,
-                         int rowEnd);
+    // Makes rows kBegin .. kEnd - 1 final in column block.first + index, each row passing its term
+    // to every later row of the column.
+    void addTerms(const ColumnBlock &block, int index, int kBegin, int kEnd);
     // Finishes column block.first + index: its own terms, pivot, exchange and division.
     void finishColumn(ColumnBlock &block, int index);
     // The forward and backward passes of solveFor on one contiguous column x of n doubles.

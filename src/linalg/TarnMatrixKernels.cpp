@@ -141,12 +141,12 @@ void packPanel(const double *b, std::ptrdiff_t p, std::ptrdiff_t ldb, std::ptrdi
     }
 }
 
-// The product panel by panel: Width result columns at a time, RowBlock rows per kernel call. A
-// panel is packed into `scratch` (p x Width doubles) when packAll is set, or when it is narrower
-// than Width and b's rows may not be read past n; otherwise the kernel reads it where it lies,
-// ldb apart. A full panel's sums go straight into c, a narrow one's through a local block.
+// The product panel by panel: Width result columns at a time, RowBlock rows per kernel call. Each
+// panel is packed into `packed` (p x Width doubles) when that is given; otherwise the kernel reads
+// it where it lies, ldb apart, past n for a narrow one. A full panel's sums go straight into c, a
+// narrow one's through a local block.
 template <int Width, int RowBlock>
-void multiplyWith(PanelKernel kernel, const StridedProduct &product, bool packAll, double *scratch) {
+void multiplyWith(PanelKernel kernel, const StridedProduct &product, double *packed) {
     if (product.m <= 0 || product.n <= 0) {
         return;
     }
@@ -155,9 +155,9 @@ void multiplyWith(PanelKernel kernel, const StridedProduct &product, bool packAl
     for (std::ptrdiff_t firstCol = 0; firstCol < product.n; firstCol += Width) {
         const int panelCols = static_cast<int>(std::min<std::ptrdiff_t>(Width, product.n - firstCol));
         PanelSource source{product.a, product.lda, product.b + firstCol, product.ldb};
-        if (packAll || (panelCols < Width && !product.paddedB)) {
-            packPanel<Width>(product.b, depth, product.ldb, firstCol, panelCols, scratch);
-            source.panel = scratch;
+        if (packed != nullptr) {
+            packPanel<Width>(product.b, depth, product.ldb, firstCol, panelCols, packed);
+            source.panel = packed;
             source.ldPanel = Width;
         }
         for (int firstRow = 0; firstRow < product.m; firstRow += RowBlock) {
@@ -185,8 +185,8 @@ void multiplyPacked(PanelKernel kernel, const double *a, const double *b, double
     }
     const std::ptrdiff_t depth = std::max(p, 0);
     std::unique_ptr<double[]> panel(new double[static_cast<std::size_t>(depth) * Width]);
-    const StridedProduct product{a, depth, b, n, c, n, m, p, n, false};
-    multiplyWith<Width, RowBlock>(kernel, product, true, panel.get());
+    const StridedProduct product{a, depth, b, n, c, n, m, p, n};
+    multiplyWith<Width, RowBlock>(kernel, product, panel.get());
 }
 
 #if TARN_HAVE_AVX2_KERNELS
@@ -260,8 +260,8 @@ void multiplyPortable(const double *a, const double *b, double *c, int m, int p,
     multiplyPacked<kPanelWidth, kRowBlock>(panelKernelPortable, a, b, c, m, p, n);
 }
 
-void multiplyStridedPortable(const StridedProduct &product, double *scratch) {
-    multiplyWith<kPanelWidth, kRowBlock>(panelKernelPortable, product, false, scratch);
+void multiplyStridedPortable(const StridedProduct &product) {
+    multiplyWith<kPanelWidth, kRowBlock>(panelKernelPortable, product, nullptr);
 }
 
 void finishChunkPortable(const ChunkTriangle &chunk) {
@@ -304,12 +304,12 @@ void multiplyAvx512(const double *a, const double *b, double *c, int m, int p, i
     multiplyPacked<kWidePanelWidth, kWideRowBlock>(panelKernelAvx512, a, b, c, m, p, n);
 }
 
-void multiplyStridedAvx2(const StridedProduct &product, double *scratch) {
-    multiplyWith<kPanelWidth, kRowBlock>(panelKernelAvx2, product, false, scratch);
+void multiplyStridedAvx2(const StridedProduct &product) {
+    multiplyWith<kPanelWidth, kRowBlock>(panelKernelAvx2, product, nullptr);
 }
 
-void multiplyStridedAvx512(const StridedProduct &product, double *scratch) {
-    multiplyWith<kWidePanelWidth, kWideRowBlock>(panelKernelAvx512, product, false, scratch);
+void multiplyStridedAvx512(const StridedProduct &product) {
+    multiplyWith<kWidePanelWidth, kWideRowBlock>(panelKernelAvx512, product, nullptr);
 }
 
 namespace {
@@ -550,12 +550,12 @@ void multiplyAvx512(const double *a, const double *b, double *c, int m, int p, i
     multiplyPortable(a, b, c, m, p, n);
 }
 
-void multiplyStridedAvx2(const StridedProduct &product, double *scratch) {
-    multiplyStridedPortable(product, scratch);
+void multiplyStridedAvx2(const StridedProduct &product) {
+    multiplyStridedPortable(product);
 }
 
-void multiplyStridedAvx512(const StridedProduct &product, double *scratch) {
-    multiplyStridedPortable(product, scratch);
+void multiplyStridedAvx512(const StridedProduct &product) {
+    multiplyStridedPortable(product);
 }
 
 void finishChunkAvx512(const ChunkTriangle &chunk) {
@@ -619,13 +619,13 @@ void multiply(const double *a, const double *b, double *c, int m, int p, int n) 
     }
 }
 
-void multiplyStrided(const StridedProduct &product, double *scratch) {
+void multiplyStrided(const StridedProduct &product) {
     if (useAvx512()) {
-        multiplyStridedAvx512(product, scratch);
+        multiplyStridedAvx512(product);
     } else if (useAvx2()) {
-        multiplyStridedAvx2(product, scratch);
+        multiplyStridedAvx2(product);
     } else {
-        multiplyStridedPortable(product, scratch);
+        multiplyStridedPortable(product);
     }
 }
 

@@ -30,9 +30,9 @@ void multiplyAvx512(const double *a, const double *b, double *c, int m, int p, i
 
 /// A product c = a x b of blocks that lie inside larger row-major matrices: a is m x p with rows
 /// lda apart, b is p x n with rows ldb apart, c is m x n with rows ldc apart. c must not overlap
-/// the elements of a or b that the product reads. paddedB tells that each row of b may be read up
-/// to kMaxPanelWidth - 1 elements past its n-th (values that are read and discarded), which
-/// spares the copy of a last narrow panel.
+/// the elements of a or b that the product reads. Each row of b must be readable up to
+/// kMaxPanelWidth - 1 elements past its n-th: a last narrow panel is read in place, and the
+/// values past n are read and discarded.
 struct StridedProduct {
     const double *a;
     std::ptrdiff_t lda;
@@ -43,23 +43,20 @@ struct StridedProduct {
     int m;
     int p;
     int n;
-    bool paddedB;
 };
 
-/// The widest panel of any path: the scratch of `multiplyStrided` holds p times this many doubles.
+/// The widest panel of any path.
 constexpr int kMaxPanelWidth = 16;
 
 /// `multiply` on strided blocks: each element of c gets the same sum, in the same order, as
-/// `multiply` gives. Reads b where it lies and, unless paddedB, packs a last panel narrower than
-/// the path's width into `scratch` (p x kMaxPanelWidth doubles; unused with paddedB, and then it
-/// may be null); allocates nothing.
-void multiplyStrided(const StridedProduct &product, double *scratch);
+/// `multiply` gives. Reads b where it lies; allocates nothing.
+void multiplyStrided(const StridedProduct &product);
 
 /// `multiplyStrided` on the portable, AVX2 and AVX-512 paths; the wider ones only when `hasAvx2` or
 /// `hasAvx512` is true.
-void multiplyStridedPortable(const StridedProduct &product, double *scratch);
-void multiplyStridedAvx2(const StridedProduct &product, double *scratch);
-void multiplyStridedAvx512(const StridedProduct &product, double *scratch);
+void multiplyStridedPortable(const StridedProduct &product);
+void multiplyStridedAvx2(const StridedProduct &product);
+void multiplyStridedAvx512(const StridedProduct &product);
 
 /// The most rows and the most columns that one `finishChunk` call takes.
 constexpr int kMaxChunkRows = 16;
