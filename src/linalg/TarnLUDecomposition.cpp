@@ -92,24 +92,9 @@ TarnLUDecomposition::TarnLUDecomposition(const TarnMatrix &matrix)
 void TarnLUDecomposition::loadColumns(const TarnMatrix &matrix) {
     // Column j of the input becomes row j of `columns`, whose rows are kRowPadding elements longer
     // than m: the products may read that far past a row's end, into zeros that they discard.
-    // Tiles of kTile x kTile keep the rows read and the rows written in the nearest cache.
     columns.resize(n, m + kRowPadding);
-    constexpr int kTile = 16;
-    for (int firstRow = 0; firstRow < m; firstRow += kTile) {
-        const int lastRow = std::min(m, firstRow + kTile);
-        const double *rows[kTile] = {};
-        for (int i = firstRow; i < lastRow; ++i) {
-            rows[i - firstRow] = matrix[i];
-        }
-        for (int firstCol = 0; firstCol < n; firstCol += kTile) {
-            const int lastCol = std::min(n, firstCol + kTile);
-            for (int j = firstCol; j < lastCol; ++j) {
-                double *target = columns[j] + firstRow;
-                for (int i = 0; i < lastRow - firstRow; ++i) {
-                    target[i] = rows[i][j];
-                }
-            }
-        }
+    if (m > 0 && n > 0) {
+        tarn::linalg::transpose(matrix[0], n, m, n, columns[0], columns.nCols());
     }
 }
 

@@ -183,19 +183,8 @@ bool TarnMatrix::transpose(TarnMatrix &target) const {
         return true;
     }
     target.resize(cols, rows);
-    // Tiles of kTile x kTile elements: the rows read and the rows written by one tile stay in the
-    // nearest cache, where a whole-row walk would write each target row once per source row.
-    constexpr std::int32_t kTile = 16;
-    for (std::int32_t firstRow = 0; firstRow < rows; firstRow += kTile) {
-        const std::int32_t lastRow = std::min(rows, firstRow + kTile);
-        for (std::int32_t firstCol = 0; firstCol < cols; firstCol += kTile) {
-            const std::int32_t lastCol = std::min(cols, firstCol + kTile);
-            for (std::int32_t i = firstRow; i < lastRow; ++i) {
-                for (std::int32_t j = firstCol; j < lastCol; ++j) {
-                    target.rowTable[j][i] = rowTable[i][j];
-                }
-            }
-        }
+    if (rows > 0 && cols > 0) {
+        tarn::linalg::transpose(elements, cols, rows, cols, target.elements, rows);
     }
     return true;
 }

@@ -264,6 +264,25 @@ void multiplyStridedPortable(const StridedProduct &product) {
     multiplyWith<kPanelWidth, kRowBlock>(panelKernelPortable, product, nullptr);
 }
 
+void transpose(const double *source, std::ptrdiff_t ldSource, int rows, int cols, double *target,
+               std::ptrdiff_t ldTarget) {
+    // Tiles of kTile x kTile elements: the rows read and the rows written by one tile stay in the
+    // nearest cache, where a whole-row walk would write each target row once per source row.
+    constexpr int kTile = 16;
+    for (int firstRow = 0; firstRow < rows; firstRow += kTile) {
+        const int lastRow = std::min(rows, firstRow + kTile);
+        for (int firstCol = 0; firstCol < cols; firstCol += kTile) {
+            const int lastCol = std::min(cols, firstCol + kTile);
+            for (int j = firstCol; j < lastCol; ++j) {
+                double *column = target + j * ldTarget;
+                for (int i = firstRow; i < lastRow; ++i) {
+                    column[i] = source[i * ldSource + j];
+                }
+            }
+        }
+    }
+}
+
 void finishChunkPortable(const ChunkTriangle &chunk) {
     for (int c = 0; c < chunk.targets; ++c) {
         double *sums = chunk.sums[c];

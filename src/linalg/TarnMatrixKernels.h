@@ -86,6 +86,12 @@ void finishChunk(const ChunkTriangle &chunk);
 void finishChunkPortable(const ChunkTriangle &chunk);
 void finishChunkAvx512(const ChunkTriangle &chunk);
 
+/// Puts the transpose of the rows x cols block `source` (rows ldSource apart) into `target` (rows
+/// ldTarget apart): target[j * ldTarget + i] becomes source[i * ldSource + j]. The blocks must
+/// not overlap. One portable form: the copy is bound by memory, not by instructions.
+void transpose(const double *source, std::ptrdiff_t ldSource, int rows, int cols, double *target,
+               std::ptrdiff_t ldTarget);
+
 /// The kernel paths, narrowest first.
 enum class KernelPath { portable, avx2, avx512 };
 
