@@ -37,7 +37,6 @@ void xteaWords(unsigned int rounds, const std::uint32_t *input, std::uint32_t *o
     output[1] = v1;
 }
 
-
 // True when [a, a + length) and [b, b + length) share a byte. std::less gives a total order even
 // for pointers into different buffers.
 bool overlaps(const unsigned char *a, const unsigned char *b, std::size_t length) {
