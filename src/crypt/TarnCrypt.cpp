@@ -44,17 +44,15 @@ bool overlaps(const unsigned char *a, const unsigned char *b, std::size_t length
     return below(a, b + length) && below(b, a + length);
 }
 
-// ---- RC4 ----------------------------------------------------------------------------------------
-
-// The state's entries are kept in 32-bit cells (their values stay below 256): table loads and
-// stores of whole words are faster than byte ones, and no store merges into a wider load.
+// The state's entries are kept in 32-bit cells (their values stay below 256): on the processors
+// measured, the table runs faster in whole words than in bytes.
 using Rc4Cell = std::uint32_t;
 using Rc4Table = Rc4Cell[256];
 // Key stream bytes are gathered in one machine word and meet the data a word at a time.
 using Rc4Word = std::size_t;
-constexpr unsigned kRc4WordBytes = sizeof(Rc4Word);
+constexpr unsigned int kRc4WordBytes = sizeof(Rc4Word);
 // Steps whose entries at the index i are loaded together, ahead of the swaps that could change them.
-constexpr unsigned kRc4Group = 4;
+constexpr unsigned int kRc4Group = 4;
 static_assert(kRc4WordBytes % kRc4Group == 0, "a word holds whole groups");
 
 // Fills `table` by the key scheduling: the identity permutation mixed with the key repeated to
@@ -149,7 +147,7 @@ void rc4Run(const unsigned char *key, unsigned int keyLength, const unsigned cha
             }
             i = first + kRc4Group - 1;
         }
-        if (Combine) {
+        if constexpr (Combine) {
             Rc4Word word;
             std::memcpy(&word, data + done, kRc4WordBytes);
             stream ^= word;
@@ -161,6 +159,7 @@ void rc4Run(const unsigned char *key, unsigned int keyLength, const unsigned cha
         out[done] = Combine ? static_cast<unsigned char>(data[done] ^ k) : k;
     }
 }
+
 } // namespace
 
 TarnCrypt::~TarnCrypt() = default;
