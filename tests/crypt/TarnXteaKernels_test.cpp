@@ -1,5 +1,6 @@
 // Tests of the XTEA multi-block kernels and xteaBlock: each gives exactly what the one-block routine gives.
 #include "crypt/TarnXteaKernels.h"
+#include "foundation/TarnProcessor.h"
 
 #include <tarn/tarn.h>
 
@@ -24,10 +25,10 @@ struct NamedKernel {
 // The kernels this build and processor can run.
 std::vector<NamedKernel> runnableKernels() {
     std::vector<NamedKernel> kernels = {{"portable", &tarn::crypt::xteaBlocksPortable}};
-    if (tarn::crypt::xteaBlocksSse2 != nullptr && tarn::crypt::cpuHasSse2()) {
+    if (tarn::crypt::xteaBlocksSse2 != nullptr && tarn::processorRuns(tarn::KernelPath::sse2)) {
         kernels.push_back({"sse2", tarn::crypt::xteaBlocksSse2});
     }
-    if (tarn::crypt::xteaBlocksAvx2 != nullptr && tarn::crypt::cpuHasAvx2()) {
+    if (tarn::crypt::xteaBlocksAvx2 != nullptr && tarn::processorRuns(tarn::KernelPath::avx2)) {
         kernels.push_back({"avx2", tarn::crypt::xteaBlocksAvx2});
     }
     return kernels;

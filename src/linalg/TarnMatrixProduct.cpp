@@ -1,0 +1,174 @@
+// The dense product: one portable driver that blocks over columns, k and rows for the caches and
+// packs panels, around the register-tile micro-kernel of the processor's path.
+#include "foundation/TarnProcessor.h"
+#include "linalg/TarnMatrixKernels.h"
+#include "linalg/TarnMicroKernel.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+
+namespace tarn {
+namespace linalg {
+namespace {
+
+// Cache blocks: a packed block of the right factor (kDepthBlock x kColBlock) is walked by every
+// row block; a packed row block of the left factor (kRowBlock x kDepthBlock) stays in the
+// second-level cache while each column sliver of the right block (kDepthBlock x tile columns)
+// stays in the first. Both row and column blocks are multiples of every tile.
+constexpr std::ptrdiff_t kDepthBlock = 256;
+constexpr int kRowBlock = 128;
+constexpr int kColBlock = 2048;
+
+// A factor read in place: element (i, k) lies at data[i * rowStride + k * colStride].
+struct Operand {
+    const double *data;
+    std::ptrdiff_t rowStride;
+    std::ptrdiff_t colStride;
+
+    const double *at(std::ptrdiff_t row, std::ptrdiff_t col) const {
+        return data + row * rowStride + col * colStride;
+    }
+};
+
+const MicroKernel &activeKernel() {
+    switch (kernelPath()) {
+    case KernelPath::avx512:
+        return microKernelAvx512;
+    case KernelPath::avx2:
+        return microKernelAvx2;
+    case KernelPath::sse2:
+        return microKernelSse2;
+    default:
+        return microKernelPortable;
+    }
+}
+
+std::ptrdiff_t roundUp(std::ptrdiff_t count, int multiple) {
+    return (count + multiple - 1) / multiple * multiple;
+}
+
+// Packs `rows` rows of `depth` steps from `a` into slivers of `height` rows, step-major inside a
+// sliver; rows past the end are 0.0, and the tiles' results for them are discarded.
+void packLeft(const Operand &a, int rows, std::ptrdiff_t depth, int height, double *out) {
+    for (int first = 0; first < rows; first += height) {
+        const int present = std::min(height, rows - first);
+        for (int r = 0; r < height; ++r, ++out) {
+            double *target = out;
+            if (r >= present) {
+                for (std::ptrdiff_t k = 0; k < depth; ++k, target += height) {
+                    *target = 0.0;
+                }
+                continue;
+            }
+            const double *source = a.at(first + r, 0);
+            for (std::ptrdiff_t k = 0; k < depth; ++k, target += height) {
+                *target = source[k * a.colStride];
+            }
+        }
+        out += (depth - 1) * height;
+    }
+}
+
+// Packs `depth` steps of `cols` columns from `b` into slivers of `width` columns, step-major; the
+// columns past the end are 0.0.
+void packRight(const Operand &b, std::ptrdiff_t depth, int cols, int width, double *out) {
+    for (int first = 0; first < cols; first += width) {
+        const int present = std::min(width, cols - first);
+        for (std::ptrdiff_t k = 0; k < depth; ++k, out += width) {
+            const double *source = b.at(k, first);
+            for (int q = 0; q < present; ++q) {
+                out[q] = source[q * b.colStride];
+            }
+            std::fill(out + present, out + width, 0.0);
+        }
+    }
+}
+
+// The tiles of one packed row block against one packed column block. A tile cut short by the
+// matrix's edge runs on a local tile and only its elements inside the matrix are copied.
+void runTiles(const MicroKernel &kernel, const double *packedA, const double *packedB, double *c,
+              std::ptrdiff_t ldc, int rows, int cols, std::ptrdiff_t depth, bool accumulate) {
+    double edge[kMaxTileElements] = {};
+    for (int j = 0; j < cols; j += kernel.cols) {
+        const int width = std::min(kernel.cols, cols - j);
+        const double *b = packedB + j * depth;
+        for (int i = 0; i < rows; i += kernel.rows) {
+            const int height = std::min(kernel.rows, rows - i);
+            const double *a = packedA + i * depth;
+            double *tile = c + i * ldc + j;
+            if (height == kernel.rows && width == kernel.cols) {
+                kernel.run(depth, a, b, tile, ldc, accumulate);
+                continue;
+            }
+            for (int r = 0; r < height && accumulate; ++r) {
+                std::copy(tile + r * ldc, tile + r * ldc + width, edge + r * kernel.cols);
+            }
+            kernel.run(depth, a, b, edge, kernel.cols, accumulate);
+            for (int r = 0; r < height; ++r) {
+                std::copy(edge + r * kernel.cols, edge + r * kernel.cols + width, tile + r * ldc);
+            }
+        }
+    }
+}
+
+// A 64-byte aligned scratch block of `count` doubles.
+class Scratch {
+public:
+    explicit Scratch(std::ptrdiff_t count) : storage(new double[static_cast<std::size_t>(count) + 8]) {
+        const auto address = reinterpret_cast<std::uintptr_t>(storage.get());
+        start = storage.get() + ((64 - address % 64) % 64) / sizeof(double);
+    }
+    double *get() const { return start; }
+
+private:
+    std::unique_ptr<double[]> storage;
+    double *start = nullptr;
+};
+
+// c (m x n, rows ldc apart) = a (m x depth) times b (depth x n). Each element is summed over k in
+// rising order from 0.0; a k block continues from the partial sums the previous one stored.
+void multiplyBlocked(const Operand &a, const Operand &b, double *c, std::ptrdiff_t ldc, int m, int n,
+                     std::ptrdiff_t depth) {
+    if (m <= 0 || n <= 0) {
+        return;
+    }
+    if (depth <= 0) {
+        for (int i = 0; i < m; ++i) {
+            std::fill(c + i * ldc, c + i * ldc + n, 0.0);
+        }
+        return;
+    }
+    const MicroKernel &kernel = activeKernel();
+    const std::ptrdiff_t kc = std::min(depth, kDepthBlock);
+    const std::ptrdiff_t leftSize = roundUp(std::min(m, kRowBlock), kernel.rows) * kc;
+    Scratch scratch(leftSize + roundUp(std::min(n, kColBlock), kernel.cols) * kc);
+    double *packedA = scratch.get();
+    double *packedB = packedA + leftSize;
+    for (int jc = 0; jc < n; jc += kColBlock) {
+        const int cols = std::min(kColBlock, n - jc);
+        for (std::ptrdiff_t pc = 0; pc < depth; pc += kDepthBlock) {
+            const std::ptrdiff_t steps = std::min(kDepthBlock, depth - pc);
+            packRight(Operand{b.at(pc, jc), b.rowStride, b.colStride}, steps, cols, kernel.cols, packedB);
+            for (int ic = 0; ic < m; ic += kRowBlock) {
+                const int rows = std::min(kRowBlock, m - ic);
+                packLeft(Operand{a.at(ic, pc), a.rowStride, a.colStride}, rows, steps, kernel.rows, packedA);
+                runTiles(kernel, packedA, packedB, c + ic * ldc + jc, ldc, rows, cols, steps, pc > 0);
+            }
+        }
+    }
+}
+
+} // namespace
+
+void multiply(const double *a, const double *b, double *c, int m, int p, int n) {
+    multiplyBlocked(Operand{a, p, 1}, Operand{b, n, 1}, c, n, m, n, p);
+}
+
+void multiplyStrided(const StridedProduct &product) {
+    multiplyBlocked(Operand{product.a, product.lda, 1}, Operand{product.b, product.ldb, 1}, product.c,
+                    product.ldc, product.m, product.n, product.p);
+}
+
+} // namespace linalg
+} // namespace tarn
