@@ -15,7 +15,8 @@ namespace {
 // Cache blocks: a packed block of the right factor (kDepthBlock x kColBlock) is walked by every
 // row block; a packed row block of the left factor (kRowBlock x kDepthBlock) stays in the
 // second-level cache while each column sliver of the right block (kDepthBlock x tile columns)
-// stays in the first. Both row and column blocks are multiples of every tile.
+// stays in the first. The column block is a multiple of every tile's width, and the row block is
+// cut to a multiple of the tile's height.
 constexpr std::ptrdiff_t kDepthBlock = 256;
 constexpr int kRowBlock = 128;
 constexpr int kColBlock = 2048;
@@ -48,40 +49,64 @@ std::ptrdiff_t roundUp(std::ptrdiff_t count, int multiple) {
     return (count + multiple - 1) / multiple * multiple;
 }
 
-// Packs `rows` rows of `depth` steps from `a` into slivers of `height` rows, step-major inside a
-// sliver; rows past the end are 0.0, and the tiles' results for them are discarded.
-void packLeft(const Operand &a, int rows, std::ptrdiff_t depth, int height, double *out) {
-    for (int first = 0; first < rows; first += height) {
-        const int present = std::min(height, rows - first);
-        for (int r = 0; r < height; ++r, ++out) {
-            double *target = out;
-            if (r >= present) {
-                for (std::ptrdiff_t k = 0; k < depth; ++k, target += height) {
-                    *target = 0.0;
-                }
-                continue;
-            }
-            const double *source = a.at(first + r, 0);
-            for (std::ptrdiff_t k = 0; k < depth; ++k, target += height) {
-                *target = source[k * a.colStride];
+// Packs `rows` rows of `depth` steps from `a` into slivers of Height rows, step-major inside a
+// sliver; rows past the end are 0.0, and the tiles' results for them are discarded. The sliver
+// height is a constant, so that the copy of one step unrolls.
+template <int Height>
+void packLeft(const Operand &a, int rows, std::ptrdiff_t depth, double *out) {
+    for (int first = 0; first < rows; first += Height, out += depth * Height) {
+        const int present = std::min(Height, rows - first);
+        const double *source[Height];
+        for (int r = 0; r < Height; ++r) {
+            source[r] = a.at(first + std::min(r, present - 1), 0);
+        }
+        for (std::ptrdiff_t k = 0; k < depth; ++k) {
+            const std::ptrdiff_t offset = k * a.colStride;
+            for (int r = 0; r < Height; ++r) {
+                out[k * Height + r] = r < present ? source[r][offset] : 0.0;
             }
         }
-        out += (depth - 1) * height;
     }
 }
 
-// Packs `depth` steps of `cols` columns from `b` into slivers of `width` columns, step-major; the
+// Packs `depth` steps of `cols` columns from `b` into slivers of Width columns, step-major; the
 // columns past the end are 0.0.
-void packRight(const Operand &b, std::ptrdiff_t depth, int cols, int width, double *out) {
-    for (int first = 0; first < cols; first += width) {
-        const int present = std::min(width, cols - first);
-        for (std::ptrdiff_t k = 0; k < depth; ++k, out += width) {
+template <int Width>
+void packRight(const Operand &b, std::ptrdiff_t depth, int cols, double *out) {
+    for (int first = 0; first < cols; first += Width) {
+        const int present = std::min(Width, cols - first);
+        for (std::ptrdiff_t k = 0; k < depth; ++k, out += Width) {
             const double *source = b.at(k, first);
-            for (int q = 0; q < present; ++q) {
-                out[q] = source[q * b.colStride];
+            if (present == Width && b.colStride == 1) {
+                std::copy(source, source + Width, out);
+                continue;
             }
-            std::fill(out + present, out + width, 0.0);
+            for (int q = 0; q < Width; ++q) {
+                out[q] = q < present ? source[q * b.colStride] : 0.0;
+            }
         }
+    }
+}
+
+void packLeft(const Operand &a, int rows, std::ptrdiff_t depth, int height, double *out) {
+    switch (height) {
+    case 8:
+        return packLeft<8>(a, rows, depth, out);
+    case 6:
+        return packLeft<6>(a, rows, depth, out);
+    default:
+        return packLeft<4>(a, rows, depth, out);
+    }
+}
+
+void packRight(const Operand &b, std::ptrdiff_t depth, int cols, int width, double *out) {
+    switch (width) {
+    case 16:
+        return packRight<16>(b, depth, cols, out);
+    case 8:
+        return packRight<8>(b, depth, cols, out);
+    default:
+        return packRight<4>(b, depth, cols, out);
     }
 }
 
@@ -140,8 +165,9 @@ void multiplyBlocked(const Operand &a, const Operand &b, double *c, std::ptrdiff
         return;
     }
     const MicroKernel &kernel = activeKernel();
+    const int rowBlock = kRowBlock - kRowBlock % kernel.rows;
     const std::ptrdiff_t kc = std::min(depth, kDepthBlock);
-    const std::ptrdiff_t leftSize = roundUp(std::min(m, kRowBlock), kernel.rows) * kc;
+    const std::ptrdiff_t leftSize = roundUp(std::min(m, rowBlock), kernel.rows) * kc;
     Scratch scratch(leftSize + roundUp(std::min(n, kColBlock), kernel.cols) * kc);
     double *packedA = scratch.get();
     double *packedB = packedA + leftSize;
@@ -150,8 +176,8 @@ void multiplyBlocked(const Operand &a, const Operand &b, double *c, std::ptrdiff
         for (std::ptrdiff_t pc = 0; pc < depth; pc += kDepthBlock) {
             const std::ptrdiff_t steps = std::min(kDepthBlock, depth - pc);
             packRight(Operand{b.at(pc, jc), b.rowStride, b.colStride}, steps, cols, kernel.cols, packedB);
-            for (int ic = 0; ic < m; ic += kRowBlock) {
-                const int rows = std::min(kRowBlock, m - ic);
+            for (int ic = 0; ic < m; ic += rowBlock) {
+                const int rows = std::min(rowBlock, m - ic);
                 packLeft(Operand{a.at(ic, pc), a.rowStride, a.colStride}, rows, steps, kernel.rows, packedA);
                 runTiles(kernel, packedA, packedB, c + ic * ldc + jc, ldc, rows, cols, steps, pc > 0);
             }

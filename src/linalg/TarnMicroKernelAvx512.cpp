@@ -18,6 +18,7 @@ TARN_KERNEL_ENTRY void tileAvx512(std::ptrdiff_t depth, const double *a, const d
                                   std::ptrdiff_t ldc, bool accumulate) {
     __m512d low[kRows];
     __m512d high[kRows];
+#pragma GCC unroll 8
     for (int r = 0; r < kRows; ++r) {
         low[r] = accumulate ? _mm512_loadu_pd(c + r * ldc) : _mm512_setzero_pd();
         high[r] = accumulate ? _mm512_loadu_pd(c + r * ldc + 8) : _mm512_setzero_pd();
@@ -25,12 +26,14 @@ TARN_KERNEL_ENTRY void tileAvx512(std::ptrdiff_t depth, const double *a, const d
     for (std::ptrdiff_t k = 0; k < depth; ++k, a += kRows, b += kCols) {
         const __m512d bLow = _mm512_loadu_pd(b);
         const __m512d bHigh = _mm512_loadu_pd(b + 8);
+#pragma GCC unroll 8
         for (int r = 0; r < kRows; ++r) {
             const __m512d factor = _mm512_set1_pd(a[r]);
             low[r] = _mm512_add_pd(low[r], _mm512_mul_pd(factor, bLow));
             high[r] = _mm512_add_pd(high[r], _mm512_mul_pd(factor, bHigh));
         }
     }
+#pragma GCC unroll 8
     for (int r = 0; r < kRows; ++r) {
         _mm512_storeu_pd(c + r * ldc, low[r]);
         _mm512_storeu_pd(c + r * ldc + 8, high[r]);

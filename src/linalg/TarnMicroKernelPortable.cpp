@@ -17,7 +17,9 @@ void tilePortable(std::ptrdiff_t depth, const double *a, const double *b, double
         }
     }
     for (std::ptrdiff_t k = 0; k < depth; ++k, a += kRows, b += kCols) {
+#pragma GCC unroll 4
         for (int r = 0; r < kRows; ++r) {
+#pragma GCC unroll 4
             for (int q = 0; q < kCols; ++q) {
                 sums[r][q] += a[r] * b[q];
             }

@@ -20,7 +20,9 @@ TARN_KERNEL_ENTRY void tileSse2(std::ptrdiff_t depth, const double *a, const dou
                                 std::ptrdiff_t ldc, bool accumulate) {
     __m128d straight[2][2];
     __m128d swapped[2][2];
+#pragma GCC unroll 2
     for (int h = 0; h < 2; ++h) {
+#pragma GCC unroll 2
         for (int p = 0; p < 2; ++p) {
             const __m128d upper = accumulate ? _mm_loadu_pd(c + 2 * h * ldc + 2 * p) : _mm_setzero_pd();
             const __m128d lower = accumulate ? _mm_loadu_pd(c + (2 * h + 1) * ldc + 2 * p) : _mm_setzero_pd();
@@ -33,6 +35,7 @@ TARN_KERNEL_ENTRY void tileSse2(std::ptrdiff_t depth, const double *a, const dou
         const __m128d b1 = _mm_loadu_pd(b + 2);
         const __m128d s0 = _mm_shuffle_pd(b0, b0, 1);
         const __m128d s1 = _mm_shuffle_pd(b1, b1, 1);
+#pragma GCC unroll 2
         for (int h = 0; h < 2; ++h) {
             const __m128d rows = _mm_loadu_pd(a + 2 * h);
             straight[h][0] = _mm_add_pd(straight[h][0], _mm_mul_pd(rows, b0));
@@ -41,7 +44,9 @@ TARN_KERNEL_ENTRY void tileSse2(std::ptrdiff_t depth, const double *a, const dou
             swapped[h][1] = _mm_add_pd(swapped[h][1], _mm_mul_pd(rows, s1));
         }
     }
+#pragma GCC unroll 2
     for (int h = 0; h < 2; ++h) {
+#pragma GCC unroll 2
         for (int p = 0; p < 2; ++p) {
             _mm_storeu_pd(c + 2 * h * ldc + 2 * p, _mm_unpacklo_pd(straight[h][p], swapped[h][p]));
             _mm_storeu_pd(c + (2 * h + 1) * ldc + 2 * p, _mm_unpackhi_pd(swapped[h][p], straight[h][p]));
