@@ -155,15 +155,19 @@ void TarnLUDecomposition::factorSmall() {
 }
 
 void TarnLUDecomposition::finishChunk(ColumnBlock &block, int begin, int end) {
-    double *sums[kBlockColumns] = {};
-    for (int c = 0; c < block.count; ++c) {
-        sums[c] = columns[block.first + c];
-    }
     const double *multipliers[kChunkRows] = {};
     for (int k = begin; k < end; ++k) {
         multipliers[k - begin] = columns[k];
     }
-    tarn::linalg::finishChunk({sums, block.former, multipliers, block.count, begin, end});
+    // The chunk triangle of each column is its own: the block's columns go a group at a time.
+    for (int group = 0; group < block.count; group += tarn::linalg::kMaxChunkTargets) {
+        const int targets = std::min(tarn::linalg::kMaxChunkTargets, block.count - group);
+        double *sums[tarn::linalg::kMaxChunkTargets] = {};
+        for (int c = 0; c < targets; ++c) {
+            sums[c] = columns[block.first + group + c];
+        }
+        tarn::linalg::finishChunk({sums, block.former + group, multipliers, targets, begin, end});
+    }
 }
 
 void TarnLUDecomposition::addTerms(const ColumnBlock &block, int index, int kBegin, int kEnd) {

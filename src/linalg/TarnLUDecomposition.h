@@ -23,7 +23,8 @@
 class TarnLUDecomposition {
 public:
     /// Factorizes `matrix`. Allocates the factors, m pivot indices, and (above kSmallOrder rows or
-    /// columns) one scratch block of 8 x (m + 15) doubles that is released before the constructor returns.
+    /// columns) one scratch block of kBlockColumns x (m + 15) doubles that is released before the constructor
+    /// returns.
     explicit TarnLUDecomposition(const TarnMatrix &matrix);
 
     /// Solves against the factors: `result` becomes the m x nx solution for the nx columns of
@@ -35,12 +36,12 @@ public:
     const std::int32_t *getPivots() const { return pivots.get(); }
 
 private:
-    /// Columns per block: eight rows of the products' left factor fill the widest path's row block.
-    static constexpr int kBlockColumns = 8;
+    /// Columns per block: the rows of the products' left factor, enough for the packed factor
+    /// rows to serve many tiles.
+    static constexpr int kBlockColumns = 48;
     /// Rows per chunk of the rows above a block: one panel of the widest path.
     static constexpr int kChunkRows = tarn::linalg::kMaxChunkRows;
     static_assert(kChunkRows == tarn::linalg::kMaxPanelWidth, "a chunk is one panel of the products");
-    static_assert(kBlockColumns <= tarn::linalg::kMaxChunkTargets, "a chunk takes every column of a block");
 
     /// The columns first .. first + count - 1 under way: their storage holds running sums, and
     /// former[c] the values of column first + c that are not final yet.

@@ -78,7 +78,9 @@ void packRight(const Operand &b, std::ptrdiff_t depth, int cols, double *out) {
         for (std::ptrdiff_t k = 0; k < depth; ++k, out += Width) {
             const double *source = b.at(k, first);
             if (present == Width && b.colStride == 1) {
-                std::copy(source, source + Width, out);
+                for (int q = 0; q < Width; ++q) { // a loop of constant length: no library call
+                    out[q] = source[q];
+                }
                 continue;
             }
             for (int q = 0; q < Width; ++q) {
