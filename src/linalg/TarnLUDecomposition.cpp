@@ -7,40 +7,6 @@
 #include <iterator>
 #include <numeric>
 
-namespace {
-
-// The pivot of a column: the first row from `from` on whose magnitude is strictly greater than
-// that of every row before it, starting with row `from`; a NaN never wins, and a NaN in row `from`
-// keeps that row. A scan that compares each row with the best so far waits on every comparison;
-// this one finds the greatest magnitude first with four independent maxima (the maximum of the
-// magnitudes does not depend on their order), then the first row that has it.
-int pivotRow(const double *column, int from, int to) {
-    const double start = std::fabs(column[from]);
-    if (std::isnan(start)) {
-        return from;
-    }
-    double best[4] = {start, start, start, start};
-    int i = from + 1;
-    for (; i + 4 <= to; i += 4) {
-        for (int lane = 0; lane < 4; ++lane) {
-            const double magnitude = std::fabs(column[i + lane]);
-            best[lane] = best[lane] < magnitude ? magnitude : best[lane];
-        }
-    }
-    for (; i < to; ++i) {
-        const double magnitude = std::fabs(column[i]);
-        best[0] = best[0] < magnitude ? magnitude : best[0];
-    }
-    const double greatest = std::max(std::max(best[0], best[1]), std::max(best[2], best[3]));
-    int row = from;
-    while (std::fabs(column[row]) != greatest) {
-        ++row;
-    }
-    return row;
-}
-
-} // namespace
-
 TarnLUDecomposition::TarnLUDecomposition(const TarnMatrix &matrix)
     : m(matrix.nRows()), n(matrix.nCols()),
       pivots(new std::int32_t[static_cast<std::size_t>(matrix.nRows())]) {
@@ -127,7 +93,7 @@ void TarnLUDecomposition::factorSmall() {
         for (int i = k; i < m; ++i) {
             column[i] -= sums[k][i];
         }
-        const int pivot = pivotRow(column, k, m);
+        const int pivot = tarn::linalg::pivotRow(column, k, m);
         if (pivot != k) {
             for (int col = 0; col < n; ++col) {
                 std::swap(columns[col][pivot], columns[col][k]);
@@ -214,7 +180,7 @@ void TarnLUDecomposition::finishColumn(ColumnBlock &block, int index) {
     if (j >= m) {
         return;
     }
-    const int pivot = pivotRow(column, j, m);
+    const int pivot = tarn::linalg::pivotRow(column, j, m);
     if (pivot != j) {
         exchangeRows(block, j, pivot);
     }

@@ -64,9 +64,10 @@ struct ChunkTriangle {
 /// and one add each, as the plain loop does. Writes rows begin .. end - 1 only.
 void finishChunk(const ChunkTriangle &chunk);
 
-/// `finishChunk` on the portable path and (only where the AVX-512 path runs) the AVX-512 path.
-void finishChunkPortable(const ChunkTriangle &chunk);
-void finishChunkAvx512(const ChunkTriangle &chunk);
+/// The pivot of rows from .. to - 1 of a column: the first row whose magnitude is strictly
+/// greater than that of every row before it, starting with row `from`; a NaN never wins, and a
+/// NaN in row `from` keeps that row.
+int pivotRow(const double *column, int from, int to);
 
 /// Puts the transpose of the rows x cols block `source` (rows ldSource apart) into `target` (rows
 /// ldTarget apart): target[j * ldTarget + i] becomes source[i * ldSource + j]. The blocks must
@@ -80,23 +81,11 @@ constexpr int kMaxTargets = 4;
 
 /// For each target c below `targets` and each i below count, adds x[t][i] * factors[c * kMaxTerms
 /// + t] to y[c][i] for t from 0 to terms - 1 in that order: per element one multiply and one add
-/// per term, exactly as terms x targets successive plain passes would do, but with each x[t] read
-/// once for all targets and each y[c] read and written once. terms lies in 1 .. kMaxTerms and
+/// per term, exactly as terms x targets successive plain passes would do, but with each y[c] read and
+/// written once. terms lies in 1 .. kMaxTerms and
 /// targets in 1 .. kMaxTargets; the y rows must not overlap the x rows.
 void addScaledTerms(double *const *y, int targets, const double *const *x, const double *factors, int terms,
                     int count);
-
-/// `addScaledTerms` on the portable path.
-void addScaledTermsPortable(double *const *y, int targets, const double *const *x, const double *factors,
-                            int terms, int count);
-
-/// `addScaledTerms` on the AVX2 path; call it only where that path runs.
-void addScaledTermsAvx2(double *const *y, int targets, const double *const *x, const double *factors,
-                        int terms, int count);
-
-/// `addScaledTerms` on the AVX-512 path; call it only where that path runs.
-void addScaledTermsAvx512(double *const *y, int targets, const double *const *x, const double *factors,
-                          int terms, int count);
 
 /// Adds x[i] * factor to y[i] for i below count: `addScaledTerms` with one target and one term.
 void addScaled(double *y, const double *x, double factor, int count);

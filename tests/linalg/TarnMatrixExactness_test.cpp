@@ -168,14 +168,6 @@ TEST_F(TarnMatrixExactnessTest, ProductKernelsGiveThePlainLoopBits) {
 TEST_F(TarnMatrixExactnessTest, ScaledRowUpdateKernelsGiveThePlainLoopBits) {
     using tarn::linalg::kMaxTargets;
     using tarn::linalg::kMaxTerms;
-    using Kernel = void (*)(double *const *, int, const double *const *, const double *, int, int);
-    std::vector<Kernel> kernels = {tarn::linalg::addScaledTermsPortable};
-    if (tarn::processorRuns(KernelPath::avx2)) {
-        kernels.push_back(tarn::linalg::addScaledTermsAvx2);
-    }
-    if (tarn::processorRuns(KernelPath::avx512)) {
-        kernels.push_back(tarn::linalg::addScaledTermsAvx512);
-    }
     for (int count : {0, 1, 3, 7, 8, 15, 17, 64, 129}) {
         for (int targets = 1; targets <= kMaxTargets; ++targets) {
             for (int terms = 1; terms <= kMaxTerms; ++terms) {
@@ -195,13 +187,14 @@ TEST_F(TarnMatrixExactnessTest, ScaledRowUpdateKernelsGiveThePlainLoopBits) {
                         }
                     }
                 }
-                for (Kernel kernel : kernels) {
+                for (KernelPath path : kPaths) {
+                    const KernelPathLimit limit(path);
                     TarnMatrix result = random;
                     double *targetRows[kMaxTargets] = {result[4], result[5], result[6], result[7]};
-                    kernel(targetRows, targets, sources, factors, terms, count);
+                    tarn::linalg::addScaledTerms(targetRows, targets, sources, factors, terms, count);
                     for (int c = 0; c < kMaxTargets; ++c) {
                         EXPECT_TRUE(sameBits(Values(result[4 + c], result[4 + c] + count), expected[c]))
-                            << "target " << c;
+                            << "target " << c << ", path " << static_cast<int>(path);
                     }
                 }
             }
