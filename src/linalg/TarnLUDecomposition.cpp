@@ -1,6 +1,8 @@
 // The LU factorization with partial pivoting and the substitution passes against it.
 #include "linalg/TarnLUDecomposition.h"
 
+#include "linalg/TarnLaneKernels.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -24,10 +26,10 @@ TarnLUDecomposition::TarnLUDecomposition(const TarnMatrix &matrix)
         block.first = first;
         block.count = std::min(kBlockColumns, n - first);
         std::fill(std::begin(block.exchangedWith), std::end(block.exchangedWith), -1);
-        // The sums start at 0.0 where no product writes them: in the first chunk, or everywhere
+        // The sums start at 0.0 where no product writes them first: in the first group, or everywhere
         // when no row lies above the block.
         const int settled = std::min(first, m);
-        const int unwritten = settled > 0 ? std::min(kChunkRows, settled) : m;
+        const int unwritten = settled > 0 ? std::min(kGroupRows, settled) : m;
         for (int c = 0; c < block.count; ++c) {
             // The columns from this block on have seen no exchange yet: each takes them all at
             // once through the pivot table, in which row i holds input row pivots[i].
@@ -38,16 +40,21 @@ TarnLUDecomposition::TarnLUDecomposition(const TarnMatrix &matrix)
             }
             std::fill(column, column + unwritten, 0.0);
         }
-        // The rows above the block, a chunk at a time: the terms of the rows above the chunk in
-        // one product, then the chunk's own triangle, each row passing its term to the later rows
-        // of the chunk. Every element still receives its terms in rising order from 0.0.
-        for (int chunk = 0; chunk < settled; chunk += kChunkRows) {
-            const int chunkEnd = std::min(settled, chunk + kChunkRows);
-            addProducts(block, chunk, chunk, chunkEnd);
-            finishChunk(block, chunk, chunkEnd);
+        // The rows above the block, a group at a time: the terms of the rows above the group in
+        // one product; then chunk by chunk, the terms of the group's rows above the chunk in a
+        // product that continues those sums, and the chunk's own triangle, each row passing its
+        // term to the later rows of the chunk. Every element receives its terms in rising order.
+        for (int group = 0; group < settled; group += kGroupRows) {
+            const int groupEnd = std::min(settled, group + kGroupRows);
+            addProducts(block, {0, group}, group, groupEnd);
+            for (int chunk = group; chunk < groupEnd; chunk += kChunkRows) {
+                const int chunkEnd = std::min(groupEnd, chunk + kChunkRows);
+                addProducts(block, {group, chunk}, chunk, chunkEnd, true);
+                finishChunk(block, chunk, chunkEnd);
+            }
         }
         // The rows from the block down have the terms of every row above the block in one product.
-        addProducts(block, settled, settled, m);
+        addProducts(block, {0, settled}, settled, m);
         for (int c = 0; c < block.count; ++c) {
             finishColumn(block, c);
         }
@@ -64,19 +71,27 @@ void TarnLUDecomposition::loadColumns(const TarnMatrix &matrix) {
     }
 }
 
-void TarnLUDecomposition::addProducts(const ColumnBlock &block, int depth, int rowBegin, int rowEnd) {
+void TarnLUDecomposition::addProducts(const ColumnBlock &block, RowRange terms, int rowBegin, int rowEnd,
+                                      bool accumulate) {
     // Row k of a block column holds U(k, j) once final, and row k of the factors L's column k:
-    // the sum of element (i, j) over k < depth is the product of the block's rows (as a left
-    // factor) with the factor rows from 0, read at columns rowBegin and on. The product starts
-    // each sum at 0.0 and adds k in rising order, as the plain dot product does.
-    if (depth <= 0 || rowBegin >= rowEnd) {
+    // the sum of element (i, j) over the terms' rows is the product of the block's rows (as a
+    // left factor, from column terms.begin) with those factor rows, read at columns rowBegin and
+    // on. The product adds k in rising order, from 0.0 or from the sums the rows hold.
+    if (terms.end <= terms.begin || rowBegin >= rowEnd) {
         return;
     }
     const std::ptrdiff_t stride = columns.nCols();
     double *blockRows = columns[block.first];
-    const tarn::linalg::StridedProduct product{
-        blockRows,   stride, columns[0] + rowBegin, stride, blockRows + rowBegin, stride,
-        block.count, depth,  rowEnd - rowBegin};
+    const tarn::linalg::StridedProduct product{blockRows + terms.begin,
+                                               stride,
+                                               columns[terms.begin] + rowBegin,
+                                               stride,
+                                               blockRows + rowBegin,
+                                               stride,
+                                               block.count,
+                                               terms.end - terms.begin,
+                                               rowEnd - rowBegin,
+                                               accumulate};
     tarn::linalg::multiplyStrided(product);
 }
 
@@ -93,7 +108,8 @@ void TarnLUDecomposition::factorSmall() {
         for (int i = k; i < m; ++i) {
             column[i] -= sums[k][i];
         }
-        const int pivot = tarn::linalg::pivotRow(column, k, m);
+        // A column of at most kSmallOrder rows: the portable form, without the path's dispatch.
+        const int pivot = tarn::linalg::laneKernelsPortable.pivotRow(column, k, m);
         if (pivot != k) {
             for (int col = 0; col < n; ++col) {
                 std::swap(columns[col][pivot], columns[col][k]);

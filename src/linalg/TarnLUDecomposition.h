@@ -41,7 +41,8 @@ private:
     static constexpr int kBlockColumns = 48;
     /// Rows per chunk of the rows above a block: one panel of the widest path.
     static constexpr int kChunkRows = tarn::linalg::kMaxChunkRows;
-    static_assert(kChunkRows == tarn::linalg::kMaxPanelWidth, "a chunk is one panel of the products");
+    /// Rows per group of chunks: the terms of the rows above a group come in one product.
+    static constexpr int kGroupRows = 4 * kChunkRows;
 
     /// The columns first .. first + count - 1 under way: their storage holds running sums, and
     /// former[c] the values of column first + c that are not final yet.
@@ -64,9 +65,16 @@ private:
     // it is known: the same operations in the same order per element as the blocked path, without
     // its per-block calls and heap scratch, and with independent updates that overlap.
     void factorSmall();
-    // Puts into rows rowBegin .. rowEnd - 1 of the block's columns the sums of the terms of rows
-    // 0 .. depth - 1, which must be final there, replacing what those rows held.
-    void addProducts(const ColumnBlock &block, int depth, int rowBegin, int rowEnd);
+    /// Rows begin .. end - 1.
+    struct RowRange {
+        int begin;
+        int end;
+    };
+    // Puts into rows rowBegin .. rowEnd - 1 of the block's columns the sums of the terms of the
+    // rows in `terms`, which must be final there: replacing what those rows held, or with
+    // `accumulate` continuing the sums they hold.
+    void addProducts(const ColumnBlock &block, RowRange terms, int rowBegin, int rowEnd,
+                     bool accumulate = false);
     // Makes rows begin .. end - 1 (one chunk) final in every column of the block, each passing its
     // term to the later rows of the chunk; the rows hold the terms of every row above begin.
     void finishChunk(ColumnBlock &block, int begin, int end);

@@ -55,32 +55,49 @@ TARN_KERNEL_ENTRY void laneAddTerms(double *const *y, int targets, const double 
     }
 }
 
-// The chunk triangle, a column at a time, its kMaxChunkRows rows in local vectors. Step k makes
-// row k final and adds its term to every vector that holds a later row: the rows up to k in that
-// vector take the term too, but they are final already, and their values are kept in `former`,
-// which is what both arrays receive at the end. Rows past the chunk's end (readable, never
-// written) are worked out from whatever they hold and discarded.
-TARN_KERNEL_ENTRY void laneFinishChunk(const ChunkTriangle &chunk) {
+// The chunk triangle of Columns columns side by side (independent chains that overlap), each with
+// its kMaxChunkRows rows in local vectors. Step k makes row k final and adds its term to every
+// vector that holds a later row: the rows up to k in that vector take the term too, but they are
+// final already, and their values are kept in `former`, which is what both arrays receive at the
+// end. Rows past the chunk's end (readable, never written) are worked out from whatever they hold
+// and discarded.
+template <int Columns>
+void finishColumns(const ChunkTriangle &chunk, int first) {
     constexpr int kVectors = kMaxChunkRows / kLanes;
     const int rows = chunk.end - chunk.begin;
-    for (int c = 0; c < chunk.targets; ++c) {
-        double sums[kMaxChunkRows];
-        double former[kMaxChunkRows];
-        __builtin_memcpy(sums, chunk.sums[c] + chunk.begin, sizeof sums);
-        __builtin_memcpy(former, chunk.former[c] + chunk.begin, sizeof former);
-        for (int k = 0; k < rows; ++k) {
-            const double value = former[k] - sums[k];
-            former[k] = value;
+    double sums[Columns][kMaxChunkRows];
+    double former[Columns][kMaxChunkRows];
+    for (int c = 0; c < Columns; ++c) {
+        __builtin_memcpy(sums[c], chunk.sums[first + c] + chunk.begin, sizeof sums[c]);
+        __builtin_memcpy(former[c], chunk.former[first + c] + chunk.begin, sizeof former[c]);
+    }
+    for (int k = 0; k < rows; ++k) {
+        const double *multipliers = chunk.multipliers[k] + chunk.begin;
+        for (int c = 0; c < Columns; ++c) {
+            const double value = former[c][k] - sums[c][k];
+            former[c][k] = value;
             const Vec term = Vec{} + value;
-            const double *multipliers = chunk.multipliers[k] + chunk.begin;
             for (int v = (k + 1) / kLanes; v < kVectors; ++v) {
-                store(sums + v * kLanes, load(sums + v * kLanes) + load(multipliers + v * kLanes) * term);
+                store(sums[c] + v * kLanes,
+                      load(sums[c] + v * kLanes) + load(multipliers + v * kLanes) * term);
             }
         }
+    }
+    for (int c = 0; c < Columns; ++c) {
         for (int k = 0; k < rows; ++k) {
-            chunk.sums[c][chunk.begin + k] = former[k];
-            chunk.former[c][chunk.begin + k] = former[k];
+            chunk.sums[first + c][chunk.begin + k] = former[c][k];
+            chunk.former[first + c][chunk.begin + k] = former[c][k];
         }
+    }
+}
+
+TARN_KERNEL_ENTRY void laneFinishChunk(const ChunkTriangle &chunk) {
+    int first = 0;
+    for (; first + 4 <= chunk.targets; first += 4) {
+        finishColumns<4>(chunk, first);
+    }
+    for (; first < chunk.targets; ++first) {
+        finishColumns<1>(chunk, first);
     }
 }
 

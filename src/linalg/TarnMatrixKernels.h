@@ -20,7 +20,8 @@ void multiply(const double *a, const double *b, double *c, int m, int p, int n);
 
 /// A product c = a x b of blocks that lie inside larger row-major matrices: a is m x p with rows
 /// lda apart, b is p x n with rows ldb apart, c is m x n with rows ldc apart. c must not overlap
-/// the elements of a or b that the product reads.
+/// the elements of a or b that the product reads. With `accumulate`, each sum continues from the
+/// value c holds instead of 0.0.
 struct StridedProduct {
     const double *a;
     std::ptrdiff_t lda;
@@ -31,6 +32,7 @@ struct StridedProduct {
     int m;
     int p;
     int n;
+    bool accumulate = false;
 };
 
 /// The widest tile of any path.

@@ -154,10 +154,11 @@ private:
 };
 
 // c (m x n, rows ldc apart) = a (m x depth) times b (depth x n). Each element is summed over k in
-// rising order from 0.0; a k block continues from the partial sums the previous one stored.
+// rising order from 0.0, or with `accumulate` from the value c holds; a k block continues from the
+// partial sums the previous one stored.
 void multiplyBlocked(const Operand &a, const Operand &b, double *c, std::ptrdiff_t ldc, int m, int n,
-                     std::ptrdiff_t depth) {
-    if (m <= 0 || n <= 0) {
+                     std::ptrdiff_t depth, bool accumulate = false) {
+    if (m <= 0 || n <= 0 || (depth <= 0 && accumulate)) {
         return;
     }
     if (depth <= 0) {
@@ -181,7 +182,8 @@ void multiplyBlocked(const Operand &a, const Operand &b, double *c, std::ptrdiff
             for (int ic = 0; ic < m; ic += rowBlock) {
                 const int rows = std::min(rowBlock, m - ic);
                 packLeft(Operand{a.at(ic, pc), a.rowStride, a.colStride}, rows, steps, kernel.rows, packedA);
-                runTiles(kernel, packedA, packedB, c + ic * ldc + jc, ldc, rows, cols, steps, pc > 0);
+                runTiles(kernel, packedA, packedB, c + ic * ldc + jc, ldc, rows, cols, steps,
+                         accumulate || pc > 0);
             }
         }
     }
@@ -195,7 +197,7 @@ void multiply(const double *a, const double *b, double *c, int m, int p, int n) 
 
 void multiplyStrided(const StridedProduct &product) {
     multiplyBlocked(Operand{product.a, product.lda, 1}, Operand{product.b, product.ldb, 1}, product.c,
-                    product.ldc, product.m, product.n, product.p);
+                    product.ldc, product.m, product.n, product.p, product.accumulate);
 }
 
 } // namespace linalg
