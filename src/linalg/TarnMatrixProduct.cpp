@@ -78,13 +78,16 @@ void packRight(const Operand &b, std::ptrdiff_t depth, int cols, double *out) {
         for (std::ptrdiff_t k = 0; k < depth; ++k, out += Width) {
             const double *source = b.at(k, first);
             if (present == Width && b.colStride == 1) {
-                for (int q = 0; q < Width; ++q) { // a loop of constant length: no library call
-                    out[q] = source[q];
-                }
+                // A copy of constant length between blocks that never overlap: inline vector moves.
+                __builtin_memcpy(out, source, Width * sizeof(double));
                 continue;
             }
-            for (int q = 0; q < Width; ++q) {
-                out[q] = q < present ? source[q * b.colStride] : 0.0;
+            int q = 0;
+            for (; q < present; ++q) {
+                out[q] = source[q * b.colStride];
+            }
+            for (; q < Width; ++q) {
+                out[q] = 0.0;
             }
         }
     }
