@@ -1,13 +1,25 @@
 // The LU factorization with partial pivoting and the substitution passes against it.
 #include "linalg/TarnLUDecomposition.h"
 
-#include "linalg/TarnLaneKernels.h"
-
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <iterator>
 #include <numeric>
+
+namespace {
+
+// The pivot search of a column of at most kSmallOrder rows, inline: the same choice as
+// `tarn::linalg::pivotRow`, without a call that would cost more than the search.
+inline int smallPivotRow(const double *column, int from, int to) {
+    int row = from;
+    for (int i = from + 1; i < to; ++i) {
+        row = std::fabs(column[row]) < std::fabs(column[i]) ? i : row;
+    }
+    return row;
+}
+
+} // namespace
 
 TarnLUDecomposition::TarnLUDecomposition(const TarnMatrix &matrix)
     : m(matrix.nRows()), n(matrix.nCols()),
@@ -108,8 +120,7 @@ void TarnLUDecomposition::factorSmall() {
         for (int i = k; i < m; ++i) {
             column[i] -= sums[k][i];
         }
-        // A column of at most kSmallOrder rows: the portable form, without the path's dispatch.
-        const int pivot = tarn::linalg::laneKernelsPortable.pivotRow(column, k, m);
+        const int pivot = smallPivotRow(column, k, m);
         if (pivot != k) {
             for (int col = 0; col < n; ++col) {
                 std::swap(columns[col][pivot], columns[col][k]);

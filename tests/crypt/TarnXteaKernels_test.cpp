@@ -96,4 +96,27 @@ TEST(TarnXteaKernelsTest, EveryKernelAndXteaBlockMatchTheOneBlockRoutineOnRandom
     }
 }
 
+// The XTEA kernels take their path from the library's one processor check, limit included: the
+// limit is how the other tests run each path through the public routines.
+TEST(TarnXteaKernelsTest, TheChosenKernelFollowsTheProcessorCheckAndItsLimit) {
+    using tarn::KernelPath;
+    const struct {
+        KernelPath limit;
+        XteaBlocksKernel expected;
+    } cases[] = {{KernelPath::portable, &tarn::crypt::xteaBlocksPortable},
+                 {KernelPath::sse2, tarn::crypt::xteaBlocksSse2},
+                 {KernelPath::avx2, tarn::crypt::xteaBlocksAvx2},
+                 {KernelPath::avx512, tarn::crypt::xteaBlocksAvx2}};
+    for (const auto &c : cases) {
+        tarn::limitKernelPath(c.limit);
+        if (tarn::processorRuns(c.limit)) {
+            EXPECT_EQ(tarn::kernelPath(), c.limit);
+            EXPECT_EQ(tarn::crypt::bestXteaBlocksKernel(), c.expected) << static_cast<int>(c.limit);
+        } else {
+            EXPECT_LT(static_cast<int>(tarn::kernelPath()), static_cast<int>(c.limit));
+        }
+    }
+    tarn::limitKernelPath(KernelPath::avx512);
+}
+
 } // namespace
