@@ -68,8 +68,10 @@ void finishColumns(const ChunkTriangle &chunk, int first) {
     double sums[Columns][kMaxChunkRows];
     double former[Columns][kMaxChunkRows];
     for (int c = 0; c < Columns; ++c) {
-        __builtin_memcpy(sums[c], chunk.sums[first + c] + chunk.begin, sizeof sums[c]);
-        __builtin_memcpy(former[c], chunk.former[first + c] + chunk.begin, sizeof former[c]);
+        for (int v = 0; v < kVectors; ++v) { // vector moves, not a string copy with its start-up cost
+            store(sums[c] + v * kLanes, load(chunk.sums[first + c] + chunk.begin + v * kLanes));
+            store(former[c] + v * kLanes, load(chunk.former[first + c] + chunk.begin + v * kLanes));
+        }
     }
     for (int k = 0; k < rows; ++k) {
         const double *multipliers = chunk.multipliers[k] + chunk.begin;
