@@ -103,7 +103,8 @@ void TarnLUDecomposition::addProducts(const ColumnBlock &block, RowRange terms, 
                                                block.count,
                                                terms.end - terms.begin,
                                                rowEnd - rowBegin,
-                                               accumulate};
+                                               accumulate,
+                                               true};
     tarn::linalg::multiplyStrided(product);
 }
 

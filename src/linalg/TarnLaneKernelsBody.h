@@ -55,48 +55,49 @@ TARN_KERNEL_ENTRY void laneAddTerms(double *const *y, int targets, const double 
     }
 }
 
-// The chunk triangle of Columns columns side by side (independent chains that overlap), each with
-// its kMaxChunkRows rows in local vectors. Step k makes row k final and adds its term to every
-// vector that holds a later row: the rows up to k in that vector take the term too, but they are
-// final already, and their values are kept in `former`, which is what both arrays receive at the
-// end. Rows past the chunk's end (readable, never written) are worked out from whatever they hold
-// and discarded.
+// The chunk triangle of Columns columns side by side (independent chains that overlap), each
+// with its kMaxChunkRows running sums in vector registers. Step k makes row k final (its value
+// goes straight to both arrays) and adds its term to every vector that holds a later row: the rows
+// up to k in that vector take the term too, but they are final and never read again. Rows past
+// the chunk's end (readable, never written) are worked out from whatever they hold and discarded.
+constexpr int kChunkVectors = kMaxChunkRows / kLanes;
+constexpr int kColumnsTogether = kChunkVectors >= 8 ? 1 : 8 / kChunkVectors;
+
 template <int Columns>
 void finishColumns(const ChunkTriangle &chunk, int first) {
-    constexpr int kVectors = kMaxChunkRows / kLanes;
     const int rows = chunk.end - chunk.begin;
-    double sums[Columns][kMaxChunkRows];
-    double former[Columns][kMaxChunkRows];
+    double *sumsOut[Columns];
+    double *formerOut[Columns];
+    Vec sums[Columns][kChunkVectors];
     for (int c = 0; c < Columns; ++c) {
-        for (int v = 0; v < kVectors; ++v) { // vector moves, not a string copy with its start-up cost
-            store(sums[c] + v * kLanes, load(chunk.sums[first + c] + chunk.begin + v * kLanes));
-            store(former[c] + v * kLanes, load(chunk.former[first + c] + chunk.begin + v * kLanes));
+        sumsOut[c] = chunk.sums[first + c] + chunk.begin;
+        formerOut[c] = chunk.former[first + c] + chunk.begin;
+        for (int v = 0; v < kChunkVectors; ++v) {
+            sums[c][v] = load(sumsOut[c] + v * kLanes);
         }
     }
-    for (int k = 0; k < rows; ++k) {
+#pragma GCC unroll 16
+    for (int k = 0; k < kMaxChunkRows; ++k) {
+        if (k >= rows) {
+            break;
+        }
         const double *multipliers = chunk.multipliers[k] + chunk.begin;
         for (int c = 0; c < Columns; ++c) {
-            const double value = former[c][k] - sums[c][k];
-            former[c][k] = value;
+            const double value = formerOut[c][k] - sums[c][k / kLanes][k % kLanes];
+            sumsOut[c][k] = value;
+            formerOut[c][k] = value;
             const Vec term = Vec{} + value;
-            for (int v = (k + 1) / kLanes; v < kVectors; ++v) {
-                store(sums[c] + v * kLanes,
-                      load(sums[c] + v * kLanes) + load(multipliers + v * kLanes) * term);
+            for (int v = (k + 1) / kLanes; v < kChunkVectors; ++v) {
+                sums[c][v] = sums[c][v] + load(multipliers + v * kLanes) * term;
             }
-        }
-    }
-    for (int c = 0; c < Columns; ++c) {
-        for (int k = 0; k < rows; ++k) {
-            chunk.sums[first + c][chunk.begin + k] = former[c][k];
-            chunk.former[first + c][chunk.begin + k] = former[c][k];
         }
     }
 }
 
 TARN_KERNEL_ENTRY void laneFinishChunk(const ChunkTriangle &chunk) {
     int first = 0;
-    for (; first + 4 <= chunk.targets; first += 4) {
-        finishColumns<4>(chunk, first);
+    for (; first + kColumnsTogether <= chunk.targets; first += kColumnsTogether) {
+        finishColumns<kColumnsTogether>(chunk, first);
     }
     for (; first < chunk.targets; ++first) {
         finishColumns<1>(chunk, first);

@@ -21,7 +21,8 @@ void multiply(const double *a, const double *b, double *c, int m, int p, int n);
 /// A product c = a x b of blocks that lie inside larger row-major matrices: a is m x p with rows
 /// lda apart, b is p x n with rows ldb apart, c is m x n with rows ldc apart. c must not overlap
 /// the elements of a or b that the product reads. With `accumulate`, each sum continues from the
-/// value c holds instead of 0.0.
+/// value c holds instead of 0.0. With `bPadded`, each row of b is readable up to kMaxPanelWidth - 1
+/// elements past its n-th, and the tiles read b in place (the values past n are discarded).
 struct StridedProduct {
     const double *a;
     std::ptrdiff_t lda;
@@ -33,6 +34,7 @@ struct StridedProduct {
     int p;
     int n;
     bool accumulate = false;
+    bool bPadded = false;
 };
 
 /// The widest tile of any path.

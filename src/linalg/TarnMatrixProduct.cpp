@@ -115,26 +115,35 @@ void packRight(const Operand &b, std::ptrdiff_t depth, int cols, int width, doub
     }
 }
 
-// The tiles of one packed row block against one packed column block. A tile cut short by the
-// matrix's edge runs on a local tile and only its elements inside the matrix are copied.
-void runTiles(const MicroKernel &kernel, const double *packedA, const double *packedB, double *c,
+// Where the tiles read the right factor: sliver j (from column j) starts at data + j * perColumn,
+// its steps ldb apart. A packed panel has perColumn = depth and ldb = the tile's width; a panel
+// read in place has perColumn = 1 and its rows' distance as ldb.
+struct RightPanel {
+    const double *data;
+    std::ptrdiff_t perColumn;
+    std::ptrdiff_t ldb;
+};
+
+// The tiles of one packed row block against one column block. A tile cut short by the matrix's
+// edge runs on a local tile and only its elements inside the matrix are copied.
+void runTiles(const MicroKernel &kernel, const double *packedA, const RightPanel &panel, double *c,
               std::ptrdiff_t ldc, int rows, int cols, std::ptrdiff_t depth, bool accumulate) {
     double edge[kMaxTileElements] = {};
     for (int j = 0; j < cols; j += kernel.cols) {
         const int width = std::min(kernel.cols, cols - j);
-        const double *b = packedB + j * depth;
+        const double *b = panel.data + j * panel.perColumn;
         for (int i = 0; i < rows; i += kernel.rows) {
             const int height = std::min(kernel.rows, rows - i);
             const double *a = packedA + i * depth;
             double *tile = c + i * ldc + j;
             if (height == kernel.rows && width == kernel.cols) {
-                kernel.run(depth, a, b, tile, ldc, accumulate);
+                kernel.run(depth, a, b, panel.ldb, tile, ldc, accumulate);
                 continue;
             }
             for (int r = 0; r < height && accumulate; ++r) {
                 std::copy(tile + r * ldc, tile + r * ldc + width, edge + r * kernel.cols);
             }
-            kernel.run(depth, a, b, edge, kernel.cols, accumulate);
+            kernel.run(depth, a, b, panel.ldb, edge, kernel.cols, accumulate);
             for (int r = 0; r < height; ++r) {
                 std::copy(edge + r * kernel.cols, edge + r * kernel.cols + width, tile + r * ldc);
             }
@@ -158,9 +167,10 @@ private:
 
 // c (m x n, rows ldc apart) = a (m x depth) times b (depth x n). Each element is summed over k in
 // rising order from 0.0, or with `accumulate` from the value c holds; a k block continues from the
-// partial sums the previous one stored.
+// partial sums the previous one stored. With `bInPlace` (b's rows contiguous and readable a tile's
+// width past n) the tiles read b where it lies instead of a packed copy.
 void multiplyBlocked(const Operand &a, const Operand &b, double *c, std::ptrdiff_t ldc, int m, int n,
-                     std::ptrdiff_t depth, bool accumulate = false) {
+                     std::ptrdiff_t depth, bool accumulate = false, bool bInPlace = false) {
     if (m <= 0 || n <= 0 || (depth <= 0 && accumulate)) {
         return;
     }
@@ -174,18 +184,22 @@ void multiplyBlocked(const Operand &a, const Operand &b, double *c, std::ptrdiff
     const int rowBlock = kRowBlock - kRowBlock % kernel.rows;
     const std::ptrdiff_t kc = std::min(depth, kDepthBlock);
     const std::ptrdiff_t leftSize = roundUp(std::min(m, rowBlock), kernel.rows) * kc;
-    Scratch scratch(leftSize + roundUp(std::min(n, kColBlock), kernel.cols) * kc);
+    Scratch scratch(leftSize + (bInPlace ? 0 : roundUp(std::min(n, kColBlock), kernel.cols) * kc));
     double *packedA = scratch.get();
     double *packedB = packedA + leftSize;
     for (int jc = 0; jc < n; jc += kColBlock) {
         const int cols = std::min(kColBlock, n - jc);
         for (std::ptrdiff_t pc = 0; pc < depth; pc += kDepthBlock) {
             const std::ptrdiff_t steps = std::min(kDepthBlock, depth - pc);
-            packRight(Operand{b.at(pc, jc), b.rowStride, b.colStride}, steps, cols, kernel.cols, packedB);
+            RightPanel panel{b.at(pc, jc), 1, b.rowStride};
+            if (!bInPlace) {
+                packRight(Operand{b.at(pc, jc), b.rowStride, b.colStride}, steps, cols, kernel.cols, packedB);
+                panel = RightPanel{packedB, steps, kernel.cols};
+            }
             for (int ic = 0; ic < m; ic += rowBlock) {
                 const int rows = std::min(rowBlock, m - ic);
                 packLeft(Operand{a.at(ic, pc), a.rowStride, a.colStride}, rows, steps, kernel.rows, packedA);
-                runTiles(kernel, packedA, packedB, c + ic * ldc + jc, ldc, rows, cols, steps,
+                runTiles(kernel, packedA, panel, c + ic * ldc + jc, ldc, rows, cols, steps,
                          accumulate || pc > 0);
             }
         }
@@ -200,7 +214,7 @@ void multiply(const double *a, const double *b, double *c, int m, int p, int n) 
 
 void multiplyStrided(const StridedProduct &product) {
     multiplyBlocked(Operand{product.a, product.lda, 1}, Operand{product.b, product.ldb, 1}, product.c,
-                    product.ldc, product.m, product.n, product.p, product.accumulate);
+                    product.ldc, product.m, product.n, product.p, product.accumulate, product.bPadded);
 }
 
 } // namespace linalg

@@ -6,14 +6,14 @@
 namespace tarn {
 namespace linalg {
 
-/// Computes one tile of rows x cols result elements from packed panels: `a` holds `depth` steps of
-/// `rows` values (a[k * rows + r] is row r at step k), `b` holds `depth` steps of `cols` values
-/// (b[k * cols + q]). Element (r, q) of the tile, at c[r * ldc + q], becomes its start value plus
-/// a[k * rows + r] * b[k * cols + q] for k rising from 0, one multiply and one add per term, never
-/// fused. The start value is 0.0, or with `accumulate` the value c holds: a sum split over k
-/// continues from the partial sum stored before.
-using MicroKernelRun = void (*)(std::ptrdiff_t depth, const double *a, const double *b, double *c,
-                                std::ptrdiff_t ldc, bool accumulate);
+/// Computes one tile of rows x cols result elements: `a` holds `depth` packed steps of `rows`
+/// values (a[k * rows + r] is row r at step k), `b` holds `depth` steps of `cols` values, ldb apart
+/// (b[k * ldb + q]; ldb is cols for a packed panel). Element (r, q) of the tile, at
+/// c[r * ldc + q], becomes its start value plus a[k * rows + r] * b[k * ldb + q] for k rising from
+/// 0, one multiply and one add per term, never fused. The start value is 0.0, or with `accumulate`
+/// the value c holds: a sum split over k continues from the partial sum stored before.
+using MicroKernelRun = void (*)(std::ptrdiff_t depth, const double *a, const double *b, std::ptrdiff_t ldb,
+                                double *c, std::ptrdiff_t ldc, bool accumulate);
 
 /// A micro-kernel with its tile shape.
 struct MicroKernel {

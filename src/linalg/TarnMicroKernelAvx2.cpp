@@ -14,8 +14,8 @@ constexpr int kCols = 8;
 
 // Per step: the step's eight columns in two registers, and per row one broadcast, two multiplies
 // and two adds into the row's own registers.
-TARN_KERNEL_ENTRY void tileAvx2(std::ptrdiff_t depth, const double *a, const double *b, double *c,
-                                std::ptrdiff_t ldc, bool accumulate) {
+TARN_KERNEL_ENTRY void tileAvx2(std::ptrdiff_t depth, const double *a, const double *b, std::ptrdiff_t ldb,
+                                double *c, std::ptrdiff_t ldc, bool accumulate) {
     __m256d low[kRows];
     __m256d high[kRows];
 #pragma GCC unroll 6
@@ -23,7 +23,7 @@ TARN_KERNEL_ENTRY void tileAvx2(std::ptrdiff_t depth, const double *a, const dou
         low[r] = accumulate ? _mm256_loadu_pd(c + r * ldc) : _mm256_setzero_pd();
         high[r] = accumulate ? _mm256_loadu_pd(c + r * ldc + 4) : _mm256_setzero_pd();
     }
-    for (std::ptrdiff_t k = 0; k < depth; ++k, a += kRows, b += kCols) {
+    for (std::ptrdiff_t k = 0; k < depth; ++k, a += kRows, b += ldb) {
         const __m256d bLow = _mm256_loadu_pd(b);
         const __m256d bHigh = _mm256_loadu_pd(b + 4);
 #pragma GCC unroll 6

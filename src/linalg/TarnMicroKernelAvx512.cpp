@@ -14,8 +14,8 @@ constexpr int kCols = 16;
 
 // Per step: the step's sixteen columns in two registers, and per row one broadcast, two multiplies
 // and two adds into the row's own registers.
-TARN_KERNEL_ENTRY void tileAvx512(std::ptrdiff_t depth, const double *a, const double *b, double *c,
-                                  std::ptrdiff_t ldc, bool accumulate) {
+TARN_KERNEL_ENTRY void tileAvx512(std::ptrdiff_t depth, const double *a, const double *b, std::ptrdiff_t ldb,
+                                  double *c, std::ptrdiff_t ldc, bool accumulate) {
     __m512d low[kRows];
     __m512d high[kRows];
 #pragma GCC unroll 8
@@ -23,7 +23,7 @@ TARN_KERNEL_ENTRY void tileAvx512(std::ptrdiff_t depth, const double *a, const d
         low[r] = accumulate ? _mm512_loadu_pd(c + r * ldc) : _mm512_setzero_pd();
         high[r] = accumulate ? _mm512_loadu_pd(c + r * ldc + 8) : _mm512_setzero_pd();
     }
-    for (std::ptrdiff_t k = 0; k < depth; ++k, a += kRows, b += kCols) {
+    for (std::ptrdiff_t k = 0; k < depth; ++k, a += kRows, b += ldb) {
         const __m512d bLow = _mm512_loadu_pd(b);
         const __m512d bHigh = _mm512_loadu_pd(b + 8);
 #pragma GCC unroll 8

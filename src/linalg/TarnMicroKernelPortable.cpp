@@ -8,15 +8,15 @@ namespace {
 constexpr int kRows = 4;
 constexpr int kCols = 4;
 
-void tilePortable(std::ptrdiff_t depth, const double *a, const double *b, double *c, std::ptrdiff_t ldc,
-                  bool accumulate) {
+void tilePortable(std::ptrdiff_t depth, const double *a, const double *b, std::ptrdiff_t ldb, double *c,
+                  std::ptrdiff_t ldc, bool accumulate) {
     double sums[kRows][kCols] = {};
     for (int r = 0; r < kRows && accumulate; ++r) {
         for (int q = 0; q < kCols; ++q) {
             sums[r][q] = c[r * ldc + q];
         }
     }
-    for (std::ptrdiff_t k = 0; k < depth; ++k, a += kRows, b += kCols) {
+    for (std::ptrdiff_t k = 0; k < depth; ++k, a += kRows, b += ldb) {
 #pragma GCC unroll 4
         for (int r = 0; r < kRows; ++r) {
 #pragma GCC unroll 4

@@ -16,8 +16,8 @@ constexpr int kCols = 4;
 // pair of columns comes straight and swapped: straight[r/2][p] gathers (c[r][2p], c[r+1][2p+1]),
 // swapped[r/2][p] gathers (c[r][2p+1], c[r+1][2p]). Every element still gets its own terms in
 // order; only the lanes it lives in change.
-TARN_KERNEL_ENTRY void tileSse2(std::ptrdiff_t depth, const double *a, const double *b, double *c,
-                                std::ptrdiff_t ldc, bool accumulate) {
+TARN_KERNEL_ENTRY void tileSse2(std::ptrdiff_t depth, const double *a, const double *b, std::ptrdiff_t ldb,
+                                double *c, std::ptrdiff_t ldc, bool accumulate) {
     __m128d straight[2][2];
     __m128d swapped[2][2];
 #pragma GCC unroll 2
@@ -30,7 +30,7 @@ TARN_KERNEL_ENTRY void tileSse2(std::ptrdiff_t depth, const double *a, const dou
             swapped[h][p] = _mm_shuffle_pd(upper, lower, 1);
         }
     }
-    for (std::ptrdiff_t k = 0; k < depth; ++k, a += kRows, b += kCols) {
+    for (std::ptrdiff_t k = 0; k < depth; ++k, a += kRows, b += ldb) {
         const __m128d b0 = _mm_loadu_pd(b);
         const __m128d b1 = _mm_loadu_pd(b + 2);
         const __m128d s0 = _mm_shuffle_pd(b0, b0, 1);
