@@ -52,6 +52,40 @@ std::ptrdiff_t roundUp(std::ptrdiff_t count, int multiple) {
 // Packs `rows` rows of `depth` steps from `a` into slivers of Height rows, step-major inside a
 // sliver; rows past the end are 0.0, and the tiles' results for them are discarded. The sliver
 // height is a constant, so that the copy of one step unrolls.
+// Two doubles: the packing of full slivers moves pairs of rows two steps at a time.
+typedef double Pair __attribute__((vector_size(2 * sizeof(double))));
+typedef long long PairIndex __attribute__((vector_size(2 * sizeof(long long))));
+
+inline Pair loadPair(const double *source) {
+    Pair pair;
+    __builtin_memcpy(&pair, source, sizeof pair);
+    return pair;
+}
+
+inline void storePair(double *target, Pair pair) {
+    __builtin_memcpy(target, &pair, sizeof pair);
+}
+
+// A full sliver of Height contiguous rows: rows r and r + 1 at steps k and k + 1 are a 2 x 2 block,
+// read as two pairs and written transposed.
+template <int Height>
+void packFullSliver(const double *const *source, std::ptrdiff_t depth, double *out) {
+    std::ptrdiff_t k = 0;
+    for (; k + 2 <= depth; k += 2) {
+        for (int r = 0; r < Height; r += 2) {
+            const Pair upper = loadPair(source[r] + k);
+            const Pair lower = loadPair(source[r + 1] + k);
+            storePair(out + k * Height + r, __builtin_shuffle(upper, lower, PairIndex{0, 2}));
+            storePair(out + (k + 1) * Height + r, __builtin_shuffle(upper, lower, PairIndex{1, 3}));
+        }
+    }
+    for (; k < depth; ++k) {
+        for (int r = 0; r < Height; ++r) {
+            out[k * Height + r] = source[r][k];
+        }
+    }
+}
+
 template <int Height>
 void packLeft(const Operand &a, int rows, std::ptrdiff_t depth, double *out) {
     for (int first = 0; first < rows; first += Height, out += depth * Height) {
@@ -59,6 +93,10 @@ void packLeft(const Operand &a, int rows, std::ptrdiff_t depth, double *out) {
         const double *source[Height];
         for (int r = 0; r < Height; ++r) {
             source[r] = a.at(first + std::min(r, present - 1), 0);
+        }
+        if (present == Height && a.colStride == 1) {
+            packFullSliver<Height>(source, depth, out);
+            continue;
         }
         for (std::ptrdiff_t k = 0; k < depth; ++k) {
             const std::ptrdiff_t offset = k * a.colStride;
