@@ -85,9 +85,9 @@ constexpr int kMaxTargets = 4;
 
 /// For each target c below `targets` and each i below count, adds x[t][i] * factors[c * kMaxTerms
 /// + t] to y[c][i] for t from 0 to terms - 1 in that order: per element one multiply and one add
-/// per term, exactly as terms x targets successive plain passes would do, but with each y[c] read and
-/// written once. terms lies in 1 .. kMaxTerms and
-/// targets in 1 .. kMaxTargets; the y rows must not overlap the x rows.
+/// per term, exactly as terms x targets successive plain passes would do, but with each y[c] read
+/// and written once. terms lies in 1 .. kMaxTerms and targets in 1 .. kMaxTargets; the y rows must
+/// not overlap the x rows.
 void addScaledTerms(double *const *y, int targets, const double *const *x, const double *factors, int terms,
                     int count);
 
