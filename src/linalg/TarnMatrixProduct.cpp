@@ -20,6 +20,8 @@ namespace {
 constexpr std::ptrdiff_t kDepthBlock = 256;
 constexpr int kRowBlock = 128;
 constexpr int kColBlock = 2048;
+// The most elements of a right factor that the tiles read in place, unpacked: 32 KiB.
+constexpr std::ptrdiff_t kSmallRightFactor = 4096;
 
 // A factor read in place: element (i, k) lies at data[i * rowStride + k * colStride].
 struct Operand {
@@ -219,6 +221,9 @@ void multiplyBlocked(const Operand &a, const Operand &b, double *c, std::ptrdiff
         return;
     }
     const MicroKernel &kernel = activeKernel();
+    // A right factor of whole slivers that fits the first-level cache is read where it lies: its
+    // packing would cost more than the tiles save.
+    bInPlace = bInPlace || (b.colStride == 1 && n % kernel.cols == 0 && depth * n <= kSmallRightFactor);
     const int rowBlock = kRowBlock - kRowBlock % kernel.rows;
     const std::ptrdiff_t kc = std::min(depth, kDepthBlock);
     const std::ptrdiff_t leftSize = roundUp(std::min(m, rowBlock), kernel.rows) * kc;

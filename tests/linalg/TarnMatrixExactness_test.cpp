@@ -16,7 +16,8 @@ namespace {
 using tarntest::valuesOf;
 using Values = std::vector<double>;
 
-// Sizes that meet every remainder of the tiles (4 x 4, 4 x 8, 8 x 16) and the row cache block.
+// Sizes that meet every remainder of the tiles (4 x 4, 6 x 8, 8 x 16) and the row cache block; the
+// products with whole column slivers and a small right factor read it unpacked.
 const int kSizes[] = {1, 3, 17, 64, 129};
 // Shapes (m, p, n) that cross the cache blocks over k (256), rows (128) and columns (2048): a k
 // block continues the sums the one before stored.
@@ -144,7 +145,7 @@ TEST_F(TarnMatrixExactnessTest, ProductKernelsGiveThePlainLoopBits) {
     std::vector<std::array<int, 3>> shapes;
     for (int m : kSizes) {
         for (int p : kSizes) {
-            for (int n : {1, 3, 17, 129}) {
+            for (int n : {1, 3, 16, 17, 64, 129}) {
                 shapes.push_back({m, p, n});
             }
         }
