@@ -51,9 +51,6 @@ std::ptrdiff_t roundUp(std::ptrdiff_t count, int multiple) {
     return (count + multiple - 1) / multiple * multiple;
 }
 
-// Packs `rows` rows of `depth` steps from `a` into slivers of Height rows, step-major inside a
-// sliver; rows past the end are 0.0, and the tiles' results for them are discarded. The sliver
-// height is a constant, so that the copy of one step unrolls.
 // Two doubles: the packing of full slivers moves pairs of rows two steps at a time.
 typedef double Pair __attribute__((vector_size(2 * sizeof(double))));
 typedef long long PairIndex __attribute__((vector_size(2 * sizeof(long long))));
@@ -88,6 +85,9 @@ void packFullSliver(const double *const *source, std::ptrdiff_t depth, double *o
     }
 }
 
+// Packs `rows` rows of `depth` steps from `a` into slivers of Height rows, step-major inside a
+// sliver; rows past the end are 0.0, and the tiles' results for them are discarded. The sliver
+// height is a constant, so that the copy of one step unrolls.
 template <int Height>
 void packLeft(const Operand &a, int rows, std::ptrdiff_t depth, double *out) {
     for (int first = 0; first < rows; first += Height, out += depth * Height) {
