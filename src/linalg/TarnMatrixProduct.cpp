@@ -53,7 +53,6 @@ std::ptrdiff_t roundUp(std::ptrdiff_t count, int multiple) {
 
 // Two doubles: the packing of full slivers moves pairs of rows two steps at a time.
 typedef double Pair __attribute__((vector_size(2 * sizeof(double))));
-typedef long long PairIndex __attribute__((vector_size(2 * sizeof(long long))));
 
 inline Pair loadPair(const double *source) {
     Pair pair;
@@ -74,8 +73,8 @@ void packFullSliver(const double *const *source, std::ptrdiff_t depth, double *o
         for (int r = 0; r < Height; r += 2) {
             const Pair upper = loadPair(source[r] + k);
             const Pair lower = loadPair(source[r + 1] + k);
-            storePair(out + k * Height + r, __builtin_shuffle(upper, lower, PairIndex{0, 2}));
-            storePair(out + (k + 1) * Height + r, __builtin_shuffle(upper, lower, PairIndex{1, 3}));
+            storePair(out + k * Height + r, Pair{upper[0], lower[0]});
+            storePair(out + (k + 1) * Height + r, Pair{upper[1], lower[1]});
         }
     }
     for (; k < depth; ++k) {
