@@ -4,6 +4,8 @@
 // of a kernel that keeps each element's summation order and never fuses.
 #include "TarnCompareMatrices.h"
 
+#include "foundation/TarnProcessor.h"
+
 #include <tarn/tarn.h>
 
 #include <benchmark/benchmark.h>
@@ -115,7 +117,26 @@ std::vector<double> tarnSolution(int n) {
 
 // ---- Tarn ---------------------------------------------------------------------------------------
 
-void tarnTimes(benchmark::State &state, int n) {
+// The Tarn side's kernel paths, each measured on its own; names as the benchmarks show them.
+struct Path {
+    tarn::KernelPath path;
+    const char *name;
+};
+constexpr Path kPaths[] = {{tarn::KernelPath::sse2, "SSE2"},
+                           {tarn::KernelPath::avx2, "AVX2"},
+                           {tarn::KernelPath::avx512, "AVX-512"}};
+
+// Limits the library's kernels to one path for a benchmark's run.
+class PathLimit {
+public:
+    explicit PathLimit(tarn::KernelPath path) { tarn::limitKernelPath(path); }
+    ~PathLimit() { tarn::limitKernelPath(tarn::KernelPath::avx512); }
+    PathLimit(const PathLimit &) = delete;
+    PathLimit &operator=(const PathLimit &) = delete;
+};
+
+void tarnTimes(benchmark::State &state, int n, tarn::KernelPath path) {
+    const PathLimit limit(path);
     const std::vector<double> aData = randomMatrix(n, n, false, 1);
     const std::vector<double> bData = randomMatrix(n, n, false, 2);
     const TarnMatrix a(aData.data(), n, n);
@@ -129,7 +150,8 @@ void tarnTimes(benchmark::State &state, int n) {
     reportFlops(state, productFlops(n));
 }
 
-void tarnSolve(benchmark::State &state, int n) {
+void tarnSolve(benchmark::State &state, int n, tarn::KernelPath path) {
+    const PathLimit limit(path);
     const std::vector<double> aData = randomMatrix(n, n, true, 3);
     const std::vector<double> bData = randomMatrix(n, 1, false, 4);
     const TarnMatrix a(aData.data(), n, n);
@@ -257,18 +279,28 @@ void registerAll() {
     registerEigenNative();
     for (const int n : kProductSizes) {
         const std::string name = "times n=" + std::to_string(n);
-        benchmark::RegisterBenchmark((name + "/Tarn").c_str(), [n](benchmark::State &s) {
-            tarnTimes(s, n);
-        })->Unit(benchmark::kMicrosecond);
+        for (const Path &path : kPaths) {
+            if (tarn::processorRuns(path.path)) {
+                benchmark::RegisterBenchmark((name + "/Tarn " + path.name).c_str(), [n, path](
+                                                                                        benchmark::State &s) {
+                    tarnTimes(s, n, path.path);
+                })->Unit(benchmark::kMicrosecond);
+            }
+        }
         benchmark::RegisterBenchmark((name + "/OpenBLAS dgemm").c_str(), [n](benchmark::State &s) {
             blasTimes(s, n);
         })->Unit(benchmark::kMicrosecond);
     }
     for (const int n : kSolveSizes) {
         const std::string name = "solve n=" + std::to_string(n);
-        benchmark::RegisterBenchmark((name + "/Tarn").c_str(), [n](benchmark::State &s) {
-            tarnSolve(s, n);
-        })->Unit(benchmark::kMicrosecond);
+        for (const Path &path : kPaths) {
+            if (tarn::processorRuns(path.path)) {
+                benchmark::RegisterBenchmark((name + "/Tarn " + path.name).c_str(), [n, path](
+                                                                                        benchmark::State &s) {
+                    tarnSolve(s, n, path.path);
+                })->Unit(benchmark::kMicrosecond);
+            }
+        }
         benchmark::RegisterBenchmark((name + "/OpenBLAS dgesv").c_str(), [n](benchmark::State &s) {
             lapackSolve(s, n, openBlas());
         })->Unit(benchmark::kMicrosecond);

@@ -1,19 +1,16 @@
 // XTEA multi-block kernels: portable interleaved scalar code, SSE2 and AVX2 lanes, and the choice.
 #include "crypt/TarnXteaKernels.h"
 
+#include "foundation/TarnProcessor.h"
+
 #include <cstring>
 #include <utility>
 
 // The vector kernels need GCC or Clang on x86 (target attributes, cpu checks); elsewhere only
 // the portable kernel exists.
-#if (defined(__GNUC__) || defined(__clang__)) && (defined(__x86_64__) || defined(__i386__))
+#if TARN_X86_KERNELS
 #define TARN_XTEA_X86 1
-#if defined(__i386__)
-// A 32-bit caller may hand over a stack aligned to 4 bytes only; vector spills need more.
-#define TARN_XTEA_REALIGN __attribute__((force_align_arg_pointer))
-#else
-#define TARN_XTEA_REALIGN
-#endif
+#define TARN_XTEA_REALIGN TARN_KERNEL_ENTRY
 #endif
 
 namespace tarn {
@@ -214,34 +211,22 @@ void xteaBlocksPortable(unsigned int rounds, const unsigned char *input, unsigne
 #if defined(TARN_XTEA_X86)
 const XteaBlocksKernel xteaBlocksSse2 = &xteaBlocksSse2Impl;
 const XteaBlocksKernel xteaBlocksAvx2 = &xteaBlocksAvx2Impl;
-
-bool cpuHasSse2() {
-    __builtin_cpu_init();
-    return __builtin_cpu_supports("sse2");
-}
-
-bool cpuHasAvx2() {
-    __builtin_cpu_init();
-    return __builtin_cpu_supports("avx2");
-}
 #else
 const XteaBlocksKernel xteaBlocksSse2 = nullptr;
 const XteaBlocksKernel xteaBlocksAvx2 = nullptr;
-
-bool cpuHasSse2() {
-    return false;
-}
-
-bool cpuHasAvx2() {
-    return false;
-}
 #endif
 
 XteaBlocksKernel bestXteaBlocksKernel() {
-    static const XteaBlocksKernel best = cpuHasAvx2()   ? xteaBlocksAvx2
-                                         : cpuHasSse2() ? xteaBlocksSse2
-                                                        : &xteaBlocksPortable;
-    return best;
+    // The library's one processor check, with its path limit; the XTEA kernels go up to AVX2. A
+    // build without the vector kernels never gets a path above the portable one.
+    const KernelPath path = kernelPath();
+    if (path >= KernelPath::avx2) {
+        return xteaBlocksAvx2;
+    }
+    if (path >= KernelPath::sse2) {
+        return xteaBlocksSse2;
+    }
+    return &xteaBlocksPortable;
 }
 
 } // namespace crypt

@@ -49,12 +49,7 @@ extern const XteaBlocksKernel xteaBlocksSse2;
 /// The AVX2 kernel (16 blocks per step); null where the build has none.
 extern const XteaBlocksKernel xteaBlocksAvx2;
 
-/// True when this processor runs the SSE2 kernel.
-bool cpuHasSse2();
-/// True when this processor runs the AVX2 kernel.
-bool cpuHasAvx2();
-
-/// Returns the fastest kernel this build and processor can run, chosen once.
+/// Returns the fastest kernel of the path that the processor check gives (foundation/TarnProcessor.h).
 XteaBlocksKernel bestXteaBlocksKernel();
 
 } // namespace crypt

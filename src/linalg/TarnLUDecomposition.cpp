@@ -9,32 +9,12 @@
 
 namespace {
 
-// The pivot of a column: the first row from `from` on whose magnitude is strictly greater than
-// that of every row before it, starting with row `from`; a NaN never wins, and a NaN in row `from`
-// keeps that row. A scan that compares each row with the best so far waits on every comparison;
-// this one finds the greatest magnitude first with four independent maxima (the maximum of the
-// magnitudes does not depend on their order), then the first row that has it.
-int pivotRow(const double *column, int from, int to) {
-    const double start = std::fabs(column[from]);
-    if (std::isnan(start)) {
-        return from;
-    }
-    double best[4] = {start, start, start, start};
-    int i = from + 1;
-    for (; i + 4 <= to; i += 4) {
-        for (int lane = 0; lane < 4; ++lane) {
-            const double magnitude = std::fabs(column[i + lane]);
-            best[lane] = best[lane] < magnitude ? magnitude : best[lane];
-        }
-    }
-    for (; i < to; ++i) {
-        const double magnitude = std::fabs(column[i]);
-        best[0] = best[0] < magnitude ? magnitude : best[0];
-    }
-    const double greatest = std::max(std::max(best[0], best[1]), std::max(best[2], best[3]));
+// The pivot search of a column of at most kSmallOrder rows, inline: the same choice as
+// `tarn::linalg::pivotRow`, without a call that would cost more than the search.
+inline int smallPivotRow(const double *column, int from, int to) {
     int row = from;
-    while (std::fabs(column[row]) != greatest) {
-        ++row;
+    for (int i = from + 1; i < to; ++i) {
+        row = std::fabs(column[row]) < std::fabs(column[i]) ? i : row;
     }
     return row;
 }
@@ -58,10 +38,10 @@ TarnLUDecomposition::TarnLUDecomposition(const TarnMatrix &matrix)
         block.first = first;
         block.count = std::min(kBlockColumns, n - first);
         std::fill(std::begin(block.exchangedWith), std::end(block.exchangedWith), -1);
-        // The sums start at 0.0 where no product writes them: in the first chunk, or everywhere
+        // The sums start at 0.0 where no product writes them first: in the first group, or everywhere
         // when no row lies above the block.
         const int settled = std::min(first, m);
-        const int unwritten = settled > 0 ? std::min(kChunkRows, settled) : m;
+        const int unwritten = settled > 0 ? std::min(kGroupRows, settled) : m;
         for (int c = 0; c < block.count; ++c) {
             // The columns from this block on have seen no exchange yet: each takes them all at
             // once through the pivot table, in which row i holds input row pivots[i].
@@ -72,16 +52,21 @@ TarnLUDecomposition::TarnLUDecomposition(const TarnMatrix &matrix)
             }
             std::fill(column, column + unwritten, 0.0);
         }
-        // The rows above the block, a chunk at a time: the terms of the rows above the chunk in
-        // one product, then the chunk's own triangle, each row passing its term to the later rows
-        // of the chunk. Every element still receives its terms in rising order from 0.0.
-        for (int chunk = 0; chunk < settled; chunk += kChunkRows) {
-            const int chunkEnd = std::min(settled, chunk + kChunkRows);
-            addProducts(block, chunk, chunk, chunkEnd);
-            finishChunk(block, chunk, chunkEnd);
+        // The rows above the block, a group at a time: the terms of the rows above the group in
+        // one product; then chunk by chunk, the terms of the group's rows above the chunk in a
+        // product that continues those sums, and the chunk's own triangle, each row passing its
+        // term to the later rows of the chunk. Every element receives its terms in rising order.
+        for (int group = 0; group < settled; group += kGroupRows) {
+            const int groupEnd = std::min(settled, group + kGroupRows);
+            addProducts(block, {0, group}, group, groupEnd);
+            for (int chunk = group; chunk < groupEnd; chunk += kChunkRows) {
+                const int chunkEnd = std::min(groupEnd, chunk + kChunkRows);
+                addProducts(block, {group, chunk}, chunk, chunkEnd, true);
+                finishChunk(block, chunk, chunkEnd);
+            }
         }
         // The rows from the block down have the terms of every row above the block in one product.
-        addProducts(block, settled, settled, m);
+        addProducts(block, {0, settled}, settled, m);
         for (int c = 0; c < block.count; ++c) {
             finishColumn(block, c);
         }
@@ -98,19 +83,28 @@ void TarnLUDecomposition::loadColumns(const TarnMatrix &matrix) {
     }
 }
 
-void TarnLUDecomposition::addProducts(const ColumnBlock &block, int depth, int rowBegin, int rowEnd) {
+void TarnLUDecomposition::addProducts(const ColumnBlock &block, RowRange terms, int rowBegin, int rowEnd,
+                                      bool accumulate) {
     // Row k of a block column holds U(k, j) once final, and row k of the factors L's column k:
-    // the sum of element (i, j) over k < depth is the product of the block's rows (as a left
-    // factor) with the factor rows from 0, read at columns rowBegin and on. The product starts
-    // each sum at 0.0 and adds k in rising order, as the plain dot product does.
-    if (depth <= 0 || rowBegin >= rowEnd) {
+    // the sum of element (i, j) over the terms' rows is the product of the block's rows (as a
+    // left factor, from column terms.begin) with those factor rows, read at columns rowBegin and
+    // on. The product adds k in rising order, from 0.0 or from the sums the rows hold.
+    if (terms.end <= terms.begin || rowBegin >= rowEnd) {
         return;
     }
     const std::ptrdiff_t stride = columns.nCols();
     double *blockRows = columns[block.first];
-    const tarn::linalg::StridedProduct product{
-        blockRows,   stride, columns[0] + rowBegin, stride, blockRows + rowBegin, stride,
-        block.count, depth,  rowEnd - rowBegin};
+    const tarn::linalg::StridedProduct product{blockRows + terms.begin,
+                                               stride,
+                                               columns[terms.begin] + rowBegin,
+                                               stride,
+                                               blockRows + rowBegin,
+                                               stride,
+                                               block.count,
+                                               terms.end - terms.begin,
+                                               rowEnd - rowBegin,
+                                               accumulate,
+                                               true};
     tarn::linalg::multiplyStrided(product);
 }
 
@@ -127,7 +121,7 @@ void TarnLUDecomposition::factorSmall() {
         for (int i = k; i < m; ++i) {
             column[i] -= sums[k][i];
         }
-        const int pivot = pivotRow(column, k, m);
+        const int pivot = smallPivotRow(column, k, m);
         if (pivot != k) {
             for (int col = 0; col < n; ++col) {
                 std::swap(columns[col][pivot], columns[col][k]);
@@ -155,15 +149,19 @@ void TarnLUDecomposition::factorSmall() {
 }
 
 void TarnLUDecomposition::finishChunk(ColumnBlock &block, int begin, int end) {
-    double *sums[kBlockColumns] = {};
-    for (int c = 0; c < block.count; ++c) {
-        sums[c] = columns[block.first + c];
-    }
     const double *multipliers[kChunkRows] = {};
     for (int k = begin; k < end; ++k) {
         multipliers[k - begin] = columns[k];
     }
-    tarn::linalg::finishChunk({sums, block.former, multipliers, block.count, begin, end});
+    // The chunk triangle of each column is its own: the block's columns go a group at a time.
+    for (int group = 0; group < block.count; group += tarn::linalg::kMaxChunkTargets) {
+        const int targets = std::min(tarn::linalg::kMaxChunkTargets, block.count - group);
+        double *sums[tarn::linalg::kMaxChunkTargets] = {};
+        for (int c = 0; c < targets; ++c) {
+            sums[c] = columns[block.first + group + c];
+        }
+        tarn::linalg::finishChunk({sums, block.former + group, multipliers, targets, begin, end});
+    }
 }
 
 void TarnLUDecomposition::addTerms(const ColumnBlock &block, int index, int kBegin, int kEnd) {
@@ -210,7 +208,7 @@ void TarnLUDecomposition::finishColumn(ColumnBlock &block, int index) {
     if (j >= m) {
         return;
     }
-    const int pivot = pivotRow(column, j, m);
+    const int pivot = tarn::linalg::pivotRow(column, j, m);
     if (pivot != j) {
         exchangeRows(block, j, pivot);
     }

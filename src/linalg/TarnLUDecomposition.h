@@ -16,14 +16,15 @@
 /// The factors are kept column by column: row j of `columns` is column j of the factorization (L's
 /// multipliers below the diagonal, U on and above it), so that the column being updated and every
 /// column of L that updates it are contiguous. Columns are updated a block at a time: the terms
-/// that all columns of the block need come from products of the block with L, chunk by chunk down
-/// the rows above the block and in one product below it, and each column is then finished in
-/// order. A column's storage holds its running sums while its former values wait in the scratch
-/// block, one run of m doubles per column of the block. A local object of one call; one thread.
+/// that all columns of the block need come from products of the block with L (group by group and
+/// chunk by chunk down the rows above the block, and in one product below it), and each column is
+/// then finished in order. A column's storage holds its running sums while its former values wait in the
+/// scratch block, one run of m doubles per column of the block. A local object of one call; one thread.
 class TarnLUDecomposition {
 public:
     /// Factorizes `matrix`. Allocates the factors, m pivot indices, and (above kSmallOrder rows or
-    /// columns) one scratch block of 8 x (m + 15) doubles that is released before the constructor returns.
+    /// columns) one scratch block of kBlockColumns x (m + 15) doubles that is released before the
+    /// constructor returns.
     explicit TarnLUDecomposition(const TarnMatrix &matrix);
 
     /// Solves against the factors: `result` becomes the m x nx solution for the nx columns of
@@ -35,12 +36,13 @@ public:
     const std::int32_t *getPivots() const { return pivots.get(); }
 
 private:
-    /// Columns per block: eight rows of the products' left factor fill the widest path's row block.
-    static constexpr int kBlockColumns = 8;
-    /// Rows per chunk of the rows above a block: one panel of the widest path.
+    /// Columns per block: the rows of the products' left factor, enough for the packed factor
+    /// rows to serve many tiles.
+    static constexpr int kBlockColumns = 48;
+    /// Rows per chunk of the rows above a block: the rows of one chunk triangle.
     static constexpr int kChunkRows = tarn::linalg::kMaxChunkRows;
-    static_assert(kChunkRows == tarn::linalg::kMaxPanelWidth, "a chunk is one panel of the products");
-    static_assert(kBlockColumns <= tarn::linalg::kMaxChunkTargets, "a chunk takes every column of a block");
+    /// Rows per group of chunks: the terms of the rows above a group come in one product.
+    static constexpr int kGroupRows = 4 * kChunkRows;
 
     /// The columns first .. first + count - 1 under way: their storage holds running sums, and
     /// former[c] the values of column first + c that are not final yet.
@@ -51,7 +53,8 @@ private:
         // exchangedWith[c]: the row that row first + c exchanged with, or -1 for none.
         int exchangedWith[kBlockColumns] = {};
     };
-    /// How far past m each row of `columns` reaches: the widest panel of the products, less one.
+    /// How far past m each row of `columns` reaches: the widest tile of the products, less one, so
+    /// that the products read the factor rows in place.
     static constexpr int kRowPadding = tarn::linalg::kMaxPanelWidth - 1;
 
     /// Matrices of at most this many rows and columns are factorized by `factorSmall`.
@@ -63,9 +66,16 @@ private:
     // it is known: the same operations in the same order per element as the blocked path, without
     // its per-block calls and heap scratch, and with independent updates that overlap.
     void factorSmall();
-    // Puts into rows rowBegin .. rowEnd - 1 of the block's columns the sums of the terms of rows
-    // 0 .. depth - 1, which must be final there, replacing what those rows held.
-    void addProducts(const ColumnBlock &block, int depth, int rowBegin, int rowEnd);
+    /// Rows begin .. end - 1.
+    struct RowRange {
+        int begin;
+        int end;
+    };
+    // Puts into rows rowBegin .. rowEnd - 1 of the block's columns the sums of the terms of the
+    // rows in `terms`, which must be final there: replacing what those rows held, or with
+    // `accumulate` continuing the sums they hold.
+    void addProducts(const ColumnBlock &block, RowRange terms, int rowBegin, int rowEnd,
+                     bool accumulate = false);
     // Makes rows begin .. end - 1 (one chunk) final in every column of the block, each passing its
     // term to the later rows of the chunk; the rows hold the terms of every row above begin.
     void finishChunk(ColumnBlock &block, int begin, int end);

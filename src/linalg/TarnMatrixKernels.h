@@ -6,33 +6,23 @@
 // Every kernel gives, element for element, the bits of the plain loop it replaces: each result
 // element is summed over k in rising order from an accumulator of 0.0, one multiply and one add
 // per term, never fused and never regrouped. Speed comes only from working on several result
-// elements at once (vector lanes or registers) and from walking memory contiguously. The AVX-512
-// and AVX2 forms are chosen at run time, the widest the processor has; the portable forms run
-// everywhere. Only the count of lanes differs between them, never an operation or its order.
+// elements at once (vector lanes or registers) and from walking memory contiguously. The path is
+// the one the processor check gives (foundation/TarnProcessor.h); only the count of lanes differs
+// between paths, never an operation or its order.
 
 namespace tarn {
 namespace linalg {
 
 /// Puts a (m x p) times b (p x n) into c (m x n); all three are contiguous row-major blocks and c
 /// must not overlap a or b. c[i][j] is the sum over k rising from 0.0 of a[i][k] * b[k][j]. Uses
-/// one scratch allocation of at most p x 8 doubles per call.
+/// one scratch allocation for the packed panels per call.
 void multiply(const double *a, const double *b, double *c, int m, int p, int n);
-
-/// `multiply` on the portable path, whatever the processor.
-void multiplyPortable(const double *a, const double *b, double *c, int m, int p, int n);
-
-/// `multiply` on the AVX2 path; call it only when `hasAvx2` is true.
-void multiplyAvx2(const double *a, const double *b, double *c, int m, int p, int n);
-
-/// `multiply` on the AVX-512 path (panels of 16 columns, 8 rows at a time); call it only when
-/// `hasAvx512` is true.
-void multiplyAvx512(const double *a, const double *b, double *c, int m, int p, int n);
 
 /// A product c = a x b of blocks that lie inside larger row-major matrices: a is m x p with rows
 /// lda apart, b is p x n with rows ldb apart, c is m x n with rows ldc apart. c must not overlap
-/// the elements of a or b that the product reads. Each row of b must be readable up to
-/// kMaxPanelWidth - 1 elements past its n-th: a last narrow panel is read in place, and the
-/// values past n are read and discarded.
+/// the elements of a or b that the product reads. With `accumulate`, each sum continues from the
+/// value c holds instead of 0.0. With `bPadded`, each row of b is readable up to kMaxPanelWidth - 1
+/// elements past its n-th, and the tiles read b in place (the values past n are discarded).
 struct StridedProduct {
     const double *a;
     std::ptrdiff_t lda;
@@ -43,20 +33,16 @@ struct StridedProduct {
     int m;
     int p;
     int n;
+    bool accumulate = false;
+    bool bPadded = false;
 };
 
-/// The widest panel of any path.
+/// The widest tile of any path.
 constexpr int kMaxPanelWidth = 16;
 
 /// `multiply` on strided blocks: each element of c gets the same sum, in the same order, as
-/// `multiply` gives. Reads b where it lies; allocates nothing.
+/// `multiply` gives.
 void multiplyStrided(const StridedProduct &product);
-
-/// `multiplyStrided` on the portable, AVX2 and AVX-512 paths; the wider ones only when `hasAvx2` or
-/// `hasAvx512` is true.
-void multiplyStridedPortable(const StridedProduct &product);
-void multiplyStridedAvx2(const StridedProduct &product);
-void multiplyStridedAvx512(const StridedProduct &product);
 
 /// The most rows and the most columns that one `finishChunk` call takes.
 constexpr int kMaxChunkRows = 16;
@@ -82,9 +68,10 @@ struct ChunkTriangle {
 /// and one add each, as the plain loop does. Writes rows begin .. end - 1 only.
 void finishChunk(const ChunkTriangle &chunk);
 
-/// `finishChunk` on the portable path and (only when `hasAvx512` is true) the AVX-512 path.
-void finishChunkPortable(const ChunkTriangle &chunk);
-void finishChunkAvx512(const ChunkTriangle &chunk);
+/// The pivot of rows from .. to - 1 of a column: the first row whose magnitude is strictly
+/// greater than that of every row before it, starting with row `from`; a NaN never wins, and a
+/// NaN in row `from` keeps that row.
+int pivotRow(const double *column, int from, int to);
 
 /// Puts the transpose of the rows x cols block `source` (rows ldSource apart) into `target` (rows
 /// ldTarget apart): target[j * ldTarget + i] becomes source[i * ldSource + j]. The blocks must
@@ -92,46 +79,20 @@ void finishChunkAvx512(const ChunkTriangle &chunk);
 void transpose(const double *source, std::ptrdiff_t ldSource, int rows, int cols, double *target,
                std::ptrdiff_t ldTarget);
 
-/// The kernel paths, narrowest first.
-enum class KernelPath { portable, avx2, avx512 };
-
-/// Makes every dispatching function above take no path wider than `widest` (the processor's own
-/// limit still holds), so that tests can run each path through the callers; `avx512` lifts the
-/// limit. Not meant to change while kernels run on other threads.
-void limitKernelPath(KernelPath widest);
-
 /// The most terms and the most targets that one `addScaledTerms` call takes.
 constexpr int kMaxTerms = 4;
 constexpr int kMaxTargets = 4;
 
 /// For each target c below `targets` and each i below count, adds x[t][i] * factors[c * kMaxTerms
 /// + t] to y[c][i] for t from 0 to terms - 1 in that order: per element one multiply and one add
-/// per term, exactly as terms x targets successive plain passes would do, but with each x[t] read
-/// once for all targets and each y[c] read and written once. terms lies in 1 .. kMaxTerms and
-/// targets in 1 .. kMaxTargets; the y rows must not overlap the x rows.
+/// per term, exactly as terms x targets successive plain passes would do, but with each y[c] read
+/// and written once. terms lies in 1 .. kMaxTerms and targets in 1 .. kMaxTargets; the y rows must
+/// not overlap the x rows.
 void addScaledTerms(double *const *y, int targets, const double *const *x, const double *factors, int terms,
                     int count);
 
-/// `addScaledTerms` on the portable path.
-void addScaledTermsPortable(double *const *y, int targets, const double *const *x, const double *factors,
-                            int terms, int count);
-
-/// `addScaledTerms` on the AVX2 path; call it only when `hasAvx2` is true.
-void addScaledTermsAvx2(double *const *y, int targets, const double *const *x, const double *factors,
-                        int terms, int count);
-
-/// `addScaledTerms` on the AVX-512 path; call it only when `hasAvx512` is true.
-void addScaledTermsAvx512(double *const *y, int targets, const double *const *x, const double *factors,
-                          int terms, int count);
-
 /// Adds x[i] * factor to y[i] for i below count: `addScaledTerms` with one target and one term.
 void addScaled(double *y, const double *x, double factor, int count);
-
-/// Returns true when the AVX2 kernels can run on this processor (and the build has them).
-bool hasAvx2();
-
-/// Returns true when the AVX-512 kernels can run on this processor (and the build has them).
-bool hasAvx512();
 
 } // namespace linalg
 } // namespace tarn

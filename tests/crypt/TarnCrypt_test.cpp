@@ -112,6 +112,53 @@ TEST(TarnCryptTest, Rc4KeyStreamMatchesRfc6229) {
     }
 }
 
+// The cipher one byte at a time, as it is published: the yardstick for the library's grouped loop.
+Bytes plainRc4(const Bytes &key, const Bytes &data) {
+    unsigned char state[256];
+    for (int n = 0; n < 256; ++n) {
+        state[n] = static_cast<unsigned char>(n);
+    }
+    for (int n = 0, j = 0; n < 256; ++n) {
+        j = (j + state[n] + key[static_cast<std::size_t>(n) % key.size()]) & 0xFF;
+        std::swap(state[n], state[j]);
+    }
+    Bytes out(data.size());
+    for (std::size_t n = 0, i = 0, j = 0; n < data.size(); ++n) {
+        i = (i + 1) & 0xFF;
+        j = (j + state[i]) & 0xFF;
+        std::swap(state[i], state[j]);
+        out[n] = static_cast<unsigned char>(data[n] ^ state[(state[i] + state[j]) & 0xFF]);
+    }
+    return out;
+}
+
+// Every length up to 70 (the single steps before the first group, whole words and the tail) and
+// long runs in which j often lands on entries loaded ahead, for keys of several lengths.
+TEST(TarnCryptTest, Rc4MatchesTheBytewiseCipherAtEveryLength) {
+    std::vector<int> lengths;
+    for (int length = 0; length <= 70; ++length) {
+        lengths.push_back(length);
+    }
+    lengths.insert(lengths.end(), {255, 256, 257, 1021, 4099, 65536 + 5});
+    std::uint32_t seed = 0x2545F491u;
+    const auto nextByte = [&seed] {
+        seed = seed * 1103515245u + 12345u;
+        return static_cast<unsigned char>(seed >> 24);
+    };
+    for (std::size_t keyLength : {1, 5, 16, 255, 256, 300}) {
+        Bytes key(keyLength);
+        std::generate(key.begin(), key.end(), nextByte);
+        for (int length : lengths) {
+            Bytes data(static_cast<std::size_t>(length));
+            std::generate(data.begin(), data.end(), nextByte);
+            const Bytes expected = plainRc4(key, data);
+            ASSERT_EQ(rc4Encrypt(key, data), expected) << "key length " << keyLength << ", length " << length;
+            ASSERT_EQ(keyStream(key, length), plainRc4(key, Bytes(data.size(), 0)))
+                << "key length " << keyLength << ", length " << length;
+        }
+    }
+}
+
 TEST(TarnCryptTest, Rc4KeyHandlingFollowsTheKeyTable) {
     // A shorter stream is a prefix of a longer one: every call starts the stream afresh.
     const Bytes key = bytesOf("prefix key");
@@ -175,9 +222,11 @@ void expectTheCopiedResult(int length, std::initializer_list<int> shifts, Cipher
 
 TEST(TarnCryptTest, Rc4EncryptInPlaceAndOverlappingGivesTheCopiedResult) {
     const Bytes key = bytesOf("overlap");
-    expectTheCopiedResult(60, {0, 1, 7, -1, -7, 59, -59}, [&](const unsigned char *in, unsigned char *out) {
-        TarnCrypt::rc4Encrypt(key.data(), static_cast<int>(key.size()), in, 60, out);
-    });
+    // Shifts below, at and beyond one word of the grouped loop, and all but one byte.
+    expectTheCopiedResult(61, {0, 1, 3, 7, 8, 9, -1, -4, -8, -9, 60, -60},
+                          [&](const unsigned char *in, unsigned char *out) {
+                              TarnCrypt::rc4Encrypt(key.data(), static_cast<int>(key.size()), in, 61, out);
+                          });
 }
 
 // ---- XTEA ---------------------------------------------------------------------------------------

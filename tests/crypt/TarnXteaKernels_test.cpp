@@ -1,5 +1,6 @@
 // Tests of the XTEA multi-block kernels and xteaBlock: each gives exactly what the one-block routine gives.
 #include "crypt/TarnXteaKernels.h"
+#include "foundation/TarnProcessor.h"
 
 #include <tarn/tarn.h>
 
@@ -24,10 +25,10 @@ struct NamedKernel {
 // The kernels this build and processor can run.
 std::vector<NamedKernel> runnableKernels() {
     std::vector<NamedKernel> kernels = {{"portable", &tarn::crypt::xteaBlocksPortable}};
-    if (tarn::crypt::xteaBlocksSse2 != nullptr && tarn::crypt::cpuHasSse2()) {
+    if (tarn::crypt::xteaBlocksSse2 != nullptr && tarn::processorRuns(tarn::KernelPath::sse2)) {
         kernels.push_back({"sse2", tarn::crypt::xteaBlocksSse2});
     }
-    if (tarn::crypt::xteaBlocksAvx2 != nullptr && tarn::crypt::cpuHasAvx2()) {
+    if (tarn::crypt::xteaBlocksAvx2 != nullptr && tarn::processorRuns(tarn::KernelPath::avx2)) {
         kernels.push_back({"avx2", tarn::crypt::xteaBlocksAvx2});
     }
     return kernels;
@@ -93,6 +94,29 @@ TEST(TarnXteaKernelsTest, EveryKernelAndXteaBlockMatchTheOneBlockRoutineOnRandom
             }
         }
     }
+}
+
+// The XTEA kernels take their path from the library's one processor check, limit included: the
+// limit is how the other tests run each path through the public routines.
+TEST(TarnXteaKernelsTest, TheChosenKernelFollowsTheProcessorCheckAndItsLimit) {
+    using tarn::KernelPath;
+    const struct {
+        KernelPath limit;
+        XteaBlocksKernel expected;
+    } cases[] = {{KernelPath::portable, &tarn::crypt::xteaBlocksPortable},
+                 {KernelPath::sse2, tarn::crypt::xteaBlocksSse2},
+                 {KernelPath::avx2, tarn::crypt::xteaBlocksAvx2},
+                 {KernelPath::avx512, tarn::crypt::xteaBlocksAvx2}};
+    for (const auto &c : cases) {
+        tarn::limitKernelPath(c.limit);
+        if (tarn::processorRuns(c.limit)) {
+            EXPECT_EQ(tarn::kernelPath(), c.limit);
+            EXPECT_EQ(tarn::crypt::bestXteaBlocksKernel(), c.expected) << static_cast<int>(c.limit);
+        } else {
+            EXPECT_LT(static_cast<int>(tarn::kernelPath()), static_cast<int>(c.limit));
+        }
+    }
+    tarn::limitKernelPath(KernelPath::avx512);
 }
 
 } // namespace

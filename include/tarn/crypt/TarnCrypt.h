@@ -53,8 +53,7 @@ public:
     /// Writes `dataLength` bytes of `data` exclusive-or the RC4 key stream of `key` to `output`;
     /// the same call deciphers. `output` may be `data` or overlap it in any way: the result is as
     /// if `data` had been copied first. Nothing is written when `dataLength` < 1, `keyLength` < 1
-    /// or a pointer is null. Throws std::bad_alloc if its work buffer of `dataLength` + 1 bytes
-    /// cannot be had.
+    /// or a pointer is null. Allocates nothing and cannot fail.
     static void rc4Encrypt(const unsigned char *key, int keyLength, const unsigned char *data, int dataLength,
                            unsigned char *output);
 
