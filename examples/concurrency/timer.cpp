@@ -26,7 +26,7 @@ private:
 
 // Counts the firings of a timer and asks it to stop after the third. Listeners run on the timer's
 // thread; stopNoWait is the stop a listener may call.
-class ThreeTicks : public TarnTimerListener {
+class ThreeTicks final : public TarnTimerListener {
 public:
     void timerElapsed(TarnTimer &timer) override {
         if (++firings == 3) {

@@ -8,7 +8,7 @@
 namespace {
 
 // Counts the firings of a timer and asks it to stop after the last one wanted.
-class FiringCounter : public TarnTimerListener {
+class FiringCounter final : public TarnTimerListener {
 public:
     explicit FiringCounter(int wanted) : wanted_(wanted) {}
 

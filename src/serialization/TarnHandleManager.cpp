@@ -97,7 +97,8 @@ void TarnHandleManager::quickSort(int first, int last) {
     while (first < last) {
         int i = first;
         int j = last;
-        const std::uintptr_t pivot = addressOf(*olds[static_cast<std::size_t>(first + (last - first) / 2)]);
+        const int middle = first + (last - first) / 2;
+        const std::uintptr_t pivot = addressOf(*olds[static_cast<std::size_t>(middle)]);
         while (i <= j) {
             while (addressOf(*olds[static_cast<std::size_t>(i)]) < pivot) {
                 ++i;

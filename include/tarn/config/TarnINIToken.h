@@ -50,13 +50,13 @@ public:
     /// Returns a copy of the value's text.
     std::string getStringValue();
 
-    /// Makes the value "true" or "false".
-    void setValue(bool value);
-    /// Makes the value what a default stream in the C locale prints: six significant digits,
-    /// general form ("0.1", "1e+20", "inf").
-    void setValue(double value);
-    /// Makes the value the decimal text of `value`.
-    void setValue(int value);
+    /// Makes the value "true" or "false", as `flag` says.
+    void setValue(bool flag);
+    /// Makes the value the text a default stream in the C locale prints for `number`: six
+    /// significant digits, general form ("0.1", "1e+20", "inf").
+    void setValue(double number);
+    /// Makes the value the decimal text of `number`.
+    void setValue(int number);
     /// Makes the value the given text; a null `text` makes it empty.
     void setValue(const char *text);
     /// Makes the value the given text.

@@ -97,6 +97,8 @@ public:
     /// Exchanges the places of two elements by exchanging their pointers. Throws
     /// std::out_of_range ("invalid vector<T> subscript") and changes nothing when either index is
     /// at or above the count.
+    // Two positions of one vector, not two vectors: the range error is part of the contract.
+    // NOLINTNEXTLINE(bugprone-exception-escape)
     void swap(unsigned int first, unsigned int second) {
         if (first >= Base::size() || second >= Base::size()) {
             throw std::out_of_range("invalid vector<T> subscript");

@@ -31,7 +31,10 @@ public:
     /// Releases the text.
     ~TarnToken();
 
-    /// Makes the text a copy of `value`; a null pointer leaves the old text.
+    /// Makes the text a copy of `value`; a null pointer leaves the old text. The text is stored
+    /// as it is: the archive formats do not escape "{", "}" and ";", so a text that holds one of
+    /// them is cut there, without a report, when the archive is read back (keep such bytes out,
+    /// or encode them first). A file archive also drops bytes outside 0x20 to 0x7E on reading.
     void setValue(const char *value);
     /// Makes the text "true" or "false".
     void setValue(bool value);
