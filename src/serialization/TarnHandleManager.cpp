@@ -1,6 +1,7 @@
 // TarnHandleManager: registration, the one sort per restore, and the binary-search lookup.
 #include "tarn/serialization/TarnHandleManager.h"
 
+#include "serialization/TarnHandleSort.h"
 #include "tarn/serialization/TarnSerializable.h"
 
 #include <cstdint>
@@ -87,42 +88,16 @@ void TarnHandleManager::sort() {
 }
 
 void TarnHandleManager::quickSort(int first, int last) {
-    // A partition from both ends around the middle element's value. A pair moves as a whole: the
-    // boxes of both vectors are swapped at the same index. Of the two parts, the smaller is sorted
-    // by a call and the larger by the loop, so that the call depth stays below log2 of the count
-    // whatever addresses a text holds; the parts are disjoint, so the order of sorting them does
-    // not change the result.
-    auto &olds = static_cast<std::vector<TarnPointer *> &>(oldPointers);
-    auto &news = static_cast<std::vector<TarnPointer *> &>(newPointers);
-    while (first < last) {
-        int i = first;
-        int j = last;
-        const std::uintptr_t pivot = addressOf(*olds[static_cast<std::size_t>(first + (last - first) / 2)]);
-        while (i <= j) {
-            while (addressOf(*olds[static_cast<std::size_t>(i)]) < pivot) {
-                ++i;
-            }
-            while (addressOf(*olds[static_cast<std::size_t>(j)]) > pivot) {
-                --j;
-            }
-            if (i <= j) {
-                std::swap(olds[static_cast<std::size_t>(i)], olds[static_cast<std::size_t>(j)]);
-                std::swap(news[static_cast<std::size_t>(i)], news[static_cast<std::size_t>(j)]);
-                ++i;
-                --j;
-            }
+    // A pair moves as a whole: the boxes of both vectors are swapped at the same index.
+    struct Pairs {
+        std::vector<TarnPointer *> &olds;
+        std::vector<TarnPointer *> &news;
+        std::uintptr_t key(int index) const { return addressOf(*olds[static_cast<std::size_t>(index)]); }
+        void swap(int a, int b) {
+            std::swap(olds[static_cast<std::size_t>(a)], olds[static_cast<std::size_t>(b)]);
+            std::swap(news[static_cast<std::size_t>(a)], news[static_cast<std::size_t>(b)]);
         }
-        // Now [first, j] holds no address above the pivot and [i, last] none below it.
-        if (j - first < last - i) {
-            if (first < j) {
-                quickSort(first, j);
-            }
-            first = i;
-        } else {
-            if (i < last) {
-                quickSort(i, last);
-            }
-            last = j;
-        }
-    }
+    };
+    Pairs pairs{oldPointers, newPointers};
+    tarn::HandleSort<Pairs>::sort(pairs, first, last);
 }

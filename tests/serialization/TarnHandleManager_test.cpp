@@ -4,9 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <numeric>
 #include <random>
+#include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -82,6 +85,49 @@ TEST(TarnHandleManagerTest, TopBitAddressesSortAsUnsigned) {
     }
     for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(manager.getNewPointer(address(olds[i])), &objects[i]);
+    }
+}
+
+// The keys 0 to count - 1 in the order that makes a quicksort around the middle element
+// quadratic: each partition of [first, last] finds the smallest key left at its middle, swaps it
+// to the front and goes on with [first + 1, last]. Built by running that sequence of swaps on
+// the positions.
+std::vector<std::size_t> middlePivotKillerOrder(std::size_t count) {
+    std::vector<std::size_t> positions(count);
+    std::iota(positions.begin(), positions.end(), 0);
+    std::vector<std::size_t> keys(count);
+    for (std::size_t first = 0; first < count; ++first) {
+        const std::size_t middle = first + (count - 1 - first) / 2;
+        keys[positions[middle]] = first;
+        std::swap(positions[first], positions[middle]);
+    }
+    return keys;
+}
+
+// A text that registers 100,000 objects in that order restores in bounded time (a plain
+// middle-pivot quicksort takes tens of seconds), and every stored pointer still finds its object.
+TEST(TarnHandleManagerTest, HostileAddressOrderRestoresInBoundedTime) {
+    const std::size_t parts = 100000;
+    const std::vector<std::size_t> keys = middlePivotKillerOrder(parts + 1);
+    auto addressText = [&keys](std::size_t index) {
+        return testobjects::pointerText(address(16 * (keys[index] + 1)));
+    };
+    std::string text = "Probe{parent=" + testobjects::pointerText(nullptr) + ";this=" + addressText(0) + ";";
+    for (std::size_t part = 1; part <= parts; ++part) {
+        text += "Probe{parent=" + addressText(0) + ";partner=" + addressText(part % parts + 1) +
+                ";this=" + addressText(part) + ";}";
+    }
+    text += "}";
+    testobjects::Probe root;
+    TarnStringArchive archive;
+    const auto start = std::chrono::steady_clock::now();
+    archive.serializeRestore(root, TarnString(text));
+    const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
+    EXPECT_LT(seconds.count(), 20.0);
+    ASSERT_EQ(root.parts.size(), parts);
+    for (unsigned part = 0; part < parts; ++part) {
+        ASSERT_EQ(root.parts[part].rawParent(), &root) << part;
+        ASSERT_EQ(root.parts[part].partner, &root.parts[(part + 1) % parts]) << part;
     }
 }
 
