@@ -1,4 +1,5 @@
-// TarnHandleManager: registration, the one sort per restore, and the binary-search lookup.
+// TarnHandleManager: registration, the one sort per restore, the binary-search lookup, and the
+// record of registered class names.
 #include "tarn/serialization/TarnHandleManager.h"
 
 #include "serialization/TarnHandleSort.h"
@@ -7,15 +8,6 @@
 #include <cstdint>
 #include <utility>
 
-namespace {
-
-// Old addresses are numbers: compared as unsigned integers of pointer width, never as pointers.
-std::uintptr_t addressOf(const TarnPointer &box) {
-    return reinterpret_cast<std::uintptr_t>(box.pointer);
-}
-
-} // namespace
-
 TarnHandleManager::TarnHandleManager() : sorted(false) {}
 TarnHandleManager::TarnHandleManager(const TarnHandleManager &other) = default;
 TarnHandleManager &TarnHandleManager::operator=(const TarnHandleManager &other) = default;
@@ -23,32 +15,55 @@ TarnHandleManager::~TarnHandleManager() = default;
 
 bool TarnHandleManager::registerPointers(TarnSerializable *oldPointer, TarnSerializable *newPointer) {
     // A null new object has no class to ask; its record is the empty name rather than a crash.
-    classNames.add(newPointer != nullptr ? TarnString(newPointer->getClassName()) : TarnString());
-    oldPointers.add().pointer = oldPointer;
-    newPointers.add().pointer = newPointer;
+    recordClassName(newPointer != nullptr ? newPointer->getClassName() : std::string());
+    // Old addresses are numbers: compared as unsigned integers of pointer width, never followed.
+    pairs.push_back(Pair{reinterpret_cast<std::uintptr_t>(oldPointer), newPointer});
     sorted = false;
     return true;
 }
 
+void TarnHandleManager::recordClassName(const std::string &name) {
+    // A graph mostly registers runs of one class: the last name is tried before the index.
+    if (!classRecord.empty() && classTable[classRecord.back()] == name) {
+        classRecord.push_back(classRecord.back());
+        return;
+    }
+    const auto found = classIndex.find(name);
+    std::uint32_t index = 0;
+    if (found != classIndex.end()) {
+        index = found->second;
+    } else {
+        index = static_cast<std::uint32_t>(classTable.size());
+        classTable.push_back(name);
+        try {
+            classIndex.emplace(name, index);
+        } catch (...) {
+            classTable.pop_back();
+            throw;
+        }
+    }
+    classRecord.push_back(index);
+}
+
 TarnSerializable *TarnHandleManager::getNewPointer(TarnSerializable *oldPointer) {
-    if (!sorted && oldPointers.size() >= 2) {
+    if (!sorted && pairs.size() >= 2) {
         sort();
     }
-    if (oldPointers.empty()) {
+    if (pairs.empty()) {
         return nullptr;
     }
     const std::uintptr_t key = reinterpret_cast<std::uintptr_t>(oldPointer);
     std::int64_t low = 0;
-    std::int64_t high = static_cast<std::int64_t>(oldPointers.size()) - 1;
+    std::int64_t high = static_cast<std::int64_t>(pairs.size()) - 1;
     // The first probe is the midpoint rounded down, every later one the midpoint rounded up; where
     // an old address stands twice, this order decides which of its pairs answers.
     std::int64_t probe = high / 2;
     while (low <= high) {
-        const std::uintptr_t candidate = addressOf(oldPointers[static_cast<unsigned int>(probe)]);
-        if (candidate == key) {
-            return static_cast<TarnSerializable *>(newPointers[static_cast<unsigned int>(probe)].pointer);
+        const Pair &candidate = pairs[static_cast<std::size_t>(probe)];
+        if (candidate.oldAddress == key) {
+            return candidate.newPointer;
         }
-        if (candidate < key) {
+        if (candidate.oldAddress < key) {
             low = probe + 1;
         } else {
             high = probe - 1;
@@ -59,8 +74,7 @@ TarnSerializable *TarnHandleManager::getNewPointer(TarnSerializable *oldPointer)
 }
 
 void TarnHandleManager::reset() {
-    newPointers.removeAll();
-    oldPointers.removeAll();
+    pairs.clear();
 }
 
 void TarnHandleManager::dispose() {
@@ -68,7 +82,7 @@ void TarnHandleManager::dispose() {
 }
 
 unsigned int TarnHandleManager::getCount() const {
-    return static_cast<unsigned int>(oldPointers.size());
+    return static_cast<unsigned int>(pairs.size());
 }
 
 bool TarnHandleManager::isSorted() const {
@@ -76,28 +90,26 @@ bool TarnHandleManager::isSorted() const {
 }
 
 const TarnVector<TarnString> &TarnHandleManager::getClassNames() const {
+    // Strings are made only for the registrations since the last call.
+    for (std::size_t at = classNames.size(); at < classRecord.size(); ++at) {
+        classNames.add(TarnString(classTable[classRecord[at]]));
+    }
     return classNames;
 }
 
 void TarnHandleManager::sort() {
-    if (oldPointers.size() < 2) {
+    if (pairs.size() < 2) {
         return;
     }
-    quickSort(0, static_cast<int>(oldPointers.size()) - 1);
-    sorted = true;
-}
-
-void TarnHandleManager::quickSort(int first, int last) {
-    // A pair moves as a whole: the boxes of both vectors are swapped at the same index.
-    struct Pairs {
-        std::vector<TarnPointer *> &olds;
-        std::vector<TarnPointer *> &news;
-        std::uintptr_t key(int index) const { return addressOf(*olds[static_cast<std::size_t>(index)]); }
+    // A pair moves as a whole.
+    struct Table {
+        std::vector<Pair> &pairs;
+        std::uintptr_t key(int index) const { return pairs[static_cast<std::size_t>(index)].oldAddress; }
         void swap(int a, int b) {
-            std::swap(olds[static_cast<std::size_t>(a)], olds[static_cast<std::size_t>(b)]);
-            std::swap(news[static_cast<std::size_t>(a)], news[static_cast<std::size_t>(b)]);
+            std::swap(pairs[static_cast<std::size_t>(a)], pairs[static_cast<std::size_t>(b)]);
         }
     };
-    Pairs pairs{oldPointers, newPointers};
-    tarn::HandleSort<Pairs>::sort(pairs, first, last);
+    Table table{pairs};
+    tarn::HandleSort<Table>::sort(table, 0, static_cast<int>(pairs.size()) - 1);
+    sorted = true;
 }

@@ -72,6 +72,15 @@ TEST(TarnHandleManagerTest, ResetEmptiesPairsButKeepsClassNames) {
     ASSERT_EQ(manager.getClassNames().size(), 3u);
     EXPECT_EQ(std::string(manager.getClassNames()[1]), "Second");
     EXPECT_EQ(std::string(manager.getClassNames()[2]), "");
+    manager.registerPointers(address(0x40), &second);
+    manager.registerPointers(address(0x50), &first);
+    ASSERT_EQ(manager.getClassNames().size(), 5u);
+    EXPECT_EQ(std::string(manager.getClassNames()[3]), "Second");
+    EXPECT_EQ(std::string(manager.getClassNames()[4]), "First");
+    TarnHandleManager copy(manager);
+    EXPECT_EQ(copy.getClassNames().size(), 5u);
+    manager = TarnHandleManager(); // how a long-running program empties the record
+    EXPECT_EQ(manager.getClassNames().size(), 0u);
 }
 
 // Addresses are unsigned: one with the top bit set sorts above every other.
