@@ -1,12 +1,14 @@
 // TarnStringArchive: the section parser, the string writer and the text inspections.
 #include "tarn/serialization/TarnStringArchive.h"
 
+#include "serialization/TarnParsedTokens.h"
 #include "serialization/TarnRestoreSequence.h"
 #include "serialization/TarnSectionWalk.h"
 #include "tarn/serialization/TarnSerializable.h"
 
 #include <cstdint>
 #include <cstring>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -18,6 +20,19 @@ constexpr std::size_t kInitialTokenBufferLength = 100;
 std::size_t boundedLength(const char *text, std::size_t limit) {
     const void *nul = std::memchr(text, '\0', limit);
     return nul != nullptr ? static_cast<std::size_t>(static_cast<const char *>(nul) - text) : limit;
+}
+
+// Splits the `length` bytes of one token's text into name and value. The first "=" ends the name,
+// unless it stands at index 0: then it splits nothing, the name is the whole text and the value
+// the text behind the "=". A text without "=" is a name with an empty value. Name and value end
+// at a NUL byte, as texts do.
+tarn::parsed::Span splitToken(const char *token, std::size_t length) {
+    const void *found = std::memchr(token, '=', length);
+    const std::size_t equals =
+        found != nullptr ? static_cast<std::size_t>(static_cast<const char *>(found) - token) : length;
+    const std::size_t valueStart = equals < length ? equals + 1 : length;
+    return tarn::parsed::Span{token, boundedLength(token, equals >= 1 ? equals : length), token + valueStart,
+                              boundedLength(token + valueStart, length - valueStart)};
 }
 
 // True for the three bytes that carry the structure of the text.
@@ -56,6 +71,13 @@ std::int64_t findStructural(const char *bytes, std::int64_t position, std::int64
 }
 
 } // namespace
+
+// A run of a few short tokens into a node without tokens becomes one compact block when the run
+// ends; any other run goes token by token into the node's map.
+struct TarnStringArchive::TokenRun {
+    std::vector<tarn::parsed::Span> spans;
+    bool intoMap = false;
+};
 
 TarnStringArchive::TarnStringArchive()
     : position(0), lastDelimiter(-1), sectionDepth(0), firstSection(true),
@@ -105,20 +127,41 @@ void TarnStringArchive::verifyTokenStringLength(int length) {
 }
 
 void TarnStringArchive::addBufferedToken(TarnArchive &section, std::size_t length) {
-    // The first "=" ends the name, unless it stands at index 0: then it splits nothing, the name
-    // is the whole text and the value the text behind the "=". A text without "=" is a name with
-    // an empty value. Name and value end at a NUL byte, as texts do.
-    const char *token = tokenBuffer;
-    const void *found = std::memchr(token, '=', length);
-    const std::size_t equals =
-        found != nullptr ? static_cast<std::size_t>(static_cast<const char *>(found) - token) : length;
-    std::size_t nameLength = equals >= 1 ? equals : length;
-    std::size_t valueStart = equals < length ? equals + 1 : length;
-    nameLength = boundedLength(token, nameLength);
-    // The value runs from valueStart to the first NUL, at the latest the one behind the text.
+    const tarn::parsed::Span token = splitToken(tokenBuffer, length);
+    // The value is NUL-terminated in the buffer: at its own NUL or behind the token's text.
     TarnToken value;
-    value.setValue(token + valueStart);
-    section.getTokens().try_emplace(TarnString(std::string(token, nameLength)), std::move(value));
+    value.setValue(token.value);
+    section.getTokens().try_emplace(TarnString(std::string(token.name, token.nameLength)), std::move(value));
+}
+
+void TarnStringArchive::addParsedToken(TarnArchive &section, TokenRun &run, std::size_t length) {
+    const tarn::parsed::Span token = splitToken(text.data() + lastDelimiter + 1, length);
+    if (!run.intoMap && run.spans.size() < tarn::parsed::kMaxSpans && tarn::parsed::fitsBlock(token) &&
+        section.parsedTokens == nullptr && section.tokens.empty()) {
+        run.spans.push_back(token);
+        return;
+    }
+    if (!run.intoMap) {
+        // The run no longer fits a block: what it holds so far goes into the map first, in order.
+        section.moveParsedTokens();
+        for (const tarn::parsed::Span &earlier : run.spans) {
+            TarnToken value;
+            value.setValue(std::string(earlier.value, earlier.valueLength).c_str());
+            section.tokens.try_emplace(TarnString(std::string(earlier.name, earlier.nameLength)),
+                                       std::move(value));
+        }
+        run.spans.clear();
+        run.intoMap = true;
+    }
+    addBufferedToken(section, length);
+}
+
+void TarnStringArchive::endTokenRun(TarnArchive &section, TokenRun &run) {
+    if (!run.spans.empty()) {
+        section.parsedTokens = tarn::parsed::makeBlock(run.spans.data(), run.spans.size());
+        run.spans.clear();
+    }
+    run.intoMap = false;
 }
 
 void TarnStringArchive::parseSection(TarnArchive &section) {
@@ -129,11 +172,13 @@ void TarnStringArchive::parseSection(TarnArchive &section) {
     // open section, a "}" closes it; when the last open section closes, the parse ends and the
     // rest of the text is ignored. Text that ends inside a section simply ends the parse.
     std::vector<TarnArchive *> open{&section};
+    TokenRun run;
     const char *const bytes = text.data();
     const auto length = static_cast<std::int64_t>(text.size());
     while (position < length && !open.empty()) {
         const char byte = bytes[position];
         if (byte == '{') {
+            endTokenRun(*open.back(), run);
             ++sectionDepth;
             const char *nameStart = bytes + lastDelimiter + 1;
             const TarnString sectionName(
@@ -148,6 +193,7 @@ void TarnStringArchive::parseSection(TarnArchive &section) {
             target->setName(sectionName);
             open.push_back(target);
         } else if (byte == '}') {
+            endTokenRun(*open.back(), run);
             --sectionDepth;
             lastDelimiter = position++;
             open.pop_back();
@@ -158,12 +204,15 @@ void TarnStringArchive::parseSection(TarnArchive &section) {
             }
             std::memcpy(tokenBuffer, bytes + lastDelimiter + 1, tokenLength);
             tokenBuffer[tokenLength] = '\0';
-            addBufferedToken(*open.back(), tokenLength);
+            addParsedToken(*open.back(), run, tokenLength);
             lastDelimiter = position++;
         } else {
             // Any other byte belongs to a name or a token text: skip the whole run at once.
             position = findStructural(bytes, position + 1, length);
         }
+    }
+    if (!open.empty()) {
+        endTokenRun(*open.back(), run);
     }
 }
 

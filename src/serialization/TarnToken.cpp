@@ -2,6 +2,7 @@
 #include "tarn/serialization/TarnToken.h"
 
 #include "serialization/TarnNumberText.h"
+#include "serialization/TarnTokenText.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -166,10 +167,14 @@ unsigned char TarnToken::getUCharValue() const {
     return static_cast<unsigned char>(leadingInt32(text) & 0xFFu);
 }
 
-TarnSerializable *TarnToken::getPointerValue() const {
+TarnSerializable *tarn::readTokenPointer(const char *first, std::size_t length) {
     std::uintptr_t address = 0;
-    nt::readPointer(text.data(), textEnd(text), address);
+    nt::readPointer(first, first + length, address);
     return reinterpret_cast<TarnSerializable *>(address);
+}
+
+TarnSerializable *TarnToken::getPointerValue() const {
+    return tarn::readTokenPointer(text.data(), text.size());
 }
 
 void TarnToken::getDoubles(double *values, unsigned int count) const {
