@@ -2,6 +2,7 @@
 // record of registered class names.
 #include "tarn/serialization/TarnHandleManager.h"
 
+#include "serialization/TarnHandleIndex.h"
 #include "serialization/TarnHandleSort.h"
 #include "tarn/serialization/TarnSerializable.h"
 
@@ -9,8 +10,25 @@
 #include <utility>
 
 TarnHandleManager::TarnHandleManager() : sorted(false) {}
-TarnHandleManager::TarnHandleManager(const TarnHandleManager &other) = default;
-TarnHandleManager &TarnHandleManager::operator=(const TarnHandleManager &other) = default;
+
+TarnHandleManager::TarnHandleManager(const TarnHandleManager &other)
+    : pairs(other.pairs), classRecord(other.classRecord), classTable(other.classTable),
+      classIndex(other.classIndex), classNames(other.classNames), sorted(other.sorted) {}
+
+TarnHandleManager &TarnHandleManager::operator=(const TarnHandleManager &other) {
+    if (this != &other) {
+        TarnHandleManager copy(other);
+        pairs.swap(copy.pairs);
+        classRecord.swap(copy.classRecord);
+        classTable.swap(copy.classTable);
+        classIndex.swap(copy.classIndex);
+        classNames = std::move(copy.classNames);
+        sorted = copy.sorted;
+        index.reset();
+    }
+    return *this;
+}
+
 TarnHandleManager::~TarnHandleManager() = default;
 
 bool TarnHandleManager::registerPointers(TarnSerializable *oldPointer, TarnSerializable *newPointer) {
@@ -19,6 +37,9 @@ bool TarnHandleManager::registerPointers(TarnSerializable *oldPointer, TarnSeria
     // Old addresses are numbers: compared as unsigned integers of pointer width, never followed.
     pairs.push_back(Pair{reinterpret_cast<std::uintptr_t>(oldPointer), newPointer});
     sorted = false;
+    if (index) {
+        index->clear();
+    }
     return true;
 }
 
@@ -53,6 +74,11 @@ TarnSerializable *TarnHandleManager::getNewPointer(TarnSerializable *oldPointer)
         return nullptr;
     }
     const std::uintptr_t key = reinterpret_cast<std::uintptr_t>(oldPointer);
+    if (index && index->isUsable()) {
+        const std::size_t found =
+            index->find(key, [this](std::size_t position) { return pairs[position].oldAddress; });
+        return found != tarn::HandleIndex::kAbsent ? pairs[found].newPointer : nullptr;
+    }
     std::int64_t low = 0;
     std::int64_t high = static_cast<std::int64_t>(pairs.size()) - 1;
     // The first probe is the midpoint rounded down, every later one the midpoint rounded up; where
@@ -75,6 +101,9 @@ TarnSerializable *TarnHandleManager::getNewPointer(TarnSerializable *oldPointer)
 
 void TarnHandleManager::reset() {
     pairs.clear();
+    if (index) {
+        index->clear();
+    }
 }
 
 void TarnHandleManager::dispose() {
@@ -112,4 +141,22 @@ void TarnHandleManager::sort() {
     Table table{pairs};
     tarn::HandleSort<Table>::sort(table, 0, static_cast<int>(pairs.size()) - 1);
     sorted = true;
+    buildIndex();
+}
+
+void TarnHandleManager::buildIndex() {
+    // Only where every old address stands once does any search find the pair that the binary
+    // search finds; with a repeated address the index stays unused.
+    if (index) {
+        index->clear();
+    }
+    for (std::size_t at = 1; at < pairs.size(); ++at) {
+        if (pairs[at - 1].oldAddress == pairs[at].oldAddress) {
+            return;
+        }
+    }
+    if (!index) {
+        index = std::make_unique<tarn::HandleIndex>();
+    }
+    index->build(pairs.size(), [this](std::size_t position) { return pairs[position].oldAddress; });
 }

@@ -97,6 +97,30 @@ TEST(TarnHandleManagerTest, TopBitAddressesSortAsUnsigned) {
     }
 }
 
+// Old addresses chosen so that all of them hash to one slot: the index gives up and lookups still
+// find every pair, by binary search. (The addresses need 64 bits.)
+TEST(TarnHandleManagerTest, AddressesThatCollideInTheIndexAreStillFound) {
+    if (sizeof(void *) < 8) {
+        GTEST_SKIP() << "colliding addresses need 64 bits";
+    }
+    // The inverse of the index's odd multiplier modulo 2^64, by Newton's iteration.
+    const std::uint64_t multiplier = 0x9E3779B97F4A7C15ull;
+    std::uint64_t inverse = multiplier;
+    for (int step = 0; step < 6; ++step) {
+        inverse *= 2 - multiplier * inverse;
+    }
+    std::vector<Plain> objects(200);
+    TarnHandleManager manager;
+    for (std::uint64_t i = 0; i < objects.size(); ++i) {
+        // address x multiplier == i: the top bits, the home slot, are the same for all.
+        manager.registerPointers(address(static_cast<std::uintptr_t>(i * inverse)), &objects[i]);
+    }
+    for (std::uint64_t i = 0; i < objects.size(); ++i) {
+        ASSERT_EQ(manager.getNewPointer(address(static_cast<std::uintptr_t>(i * inverse))), &objects[i]) << i;
+    }
+    EXPECT_EQ(manager.getNewPointer(address(static_cast<std::uintptr_t>(objects.size() * inverse))), nullptr);
+}
+
 // The keys 0 to count - 1 in the order that makes a quicksort around the middle element
 // quadratic: each partition of [first, last] finds the smallest key left at its middle, swaps it
 // to the front and goes on with [first + 1, last]. Built by running that sequence of swaps on

@@ -7,11 +7,15 @@
 #include "tarn/foundation/TarnVector.h"
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
 class TarnSerializable;
+namespace tarn {
+class HandleIndex;
+}
 
 /// A table of pairs of addresses: the old address an object had when it was stored, and the new
 /// object that a restore made for it. A restore registers every pair first; the first lookup then
@@ -66,6 +70,8 @@ private:
 
     /// Sorts all pairs by old address when there are at least 2, and marks the table sorted.
     void sort();
+    /// Indexes the sorted pairs by hash when no old address repeats.
+    void buildIndex();
     /// Appends the index of `name` in the table of distinct class names to the record.
     void recordClassName(const std::string &name);
 
@@ -75,4 +81,7 @@ private:
     std::unordered_map<std::string, std::uint32_t> classIndex; ///< Name to its index in classTable.
     mutable TarnVector<TarnString> classNames; ///< The record as strings, made by getClassNames.
     bool sorted;                               ///< True when pairs are known to be in address order.
+    /// A hash index over the sorted pairs when no old address repeats; lookups without it take
+    /// the binary search. Not copied: a copy searches by binary search until it sorts again.
+    std::unique_ptr<tarn::HandleIndex> index;
 };
