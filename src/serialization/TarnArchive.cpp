@@ -101,8 +101,8 @@ const TarnToken *TarnArchive::findToken(const char *tokenName) const {
     return found != tokens.end() ? &found->second : nullptr;
 }
 
-// A compact token is read by the reading rules of TarnToken: a pointer in place, other values
-// through a token holding the text (short texts need no allocation there).
+// A compact token is read by the reading rules of TarnToken: a pointer or an int in place, the
+// doubles through a token holding the text.
 
 const char *TarnArchive::getTokenText(const char *tokenName) {
     if (const char *text = findParsedText(tokenName)) {
@@ -122,9 +122,7 @@ TarnSerializable *TarnArchive::getTokenPointer(const char *tokenName) {
 
 int TarnArchive::getTokenInt(const char *tokenName) {
     if (const char *text = findParsedText(tokenName)) {
-        TarnToken token;
-        token.setValue(text);
-        return token.getIntValue();
+        return tarn::readTokenInt(text, std::strlen(text));
     }
     const TarnToken *token = findToken(tokenName);
     return token != nullptr ? token->getIntValue() : 0;

@@ -27,11 +27,28 @@ std::size_t boundedLength(const char *text, std::size_t limit) {
 // the text behind the "=". A text without "=" is a name with an empty value. Name and value end
 // at a NUL byte, as texts do.
 tarn::parsed::Span splitToken(const char *token, std::size_t length) {
-    const void *found = std::memchr(token, '=', length);
-    const std::size_t equals =
-        found != nullptr ? static_cast<std::size_t>(static_cast<const char *>(found) - token) : length;
+    std::size_t equals = length;
+    bool hasNul = true;
+    if (length <= 64) {
+        // A short token (most of them) is looked at in one plain loop instead of three searches.
+        hasNul = false;
+        for (std::size_t at = 0; at < length; ++at) {
+            if (token[at] == '=' && equals == length) {
+                equals = at;
+            }
+            hasNul = hasNul || token[at] == '\0';
+        }
+    } else {
+        const void *found = std::memchr(token, '=', length);
+        equals =
+            found != nullptr ? static_cast<std::size_t>(static_cast<const char *>(found) - token) : length;
+    }
+    const std::size_t nameEnd = equals >= 1 ? equals : length;
     const std::size_t valueStart = equals < length ? equals + 1 : length;
-    return tarn::parsed::Span{token, boundedLength(token, equals >= 1 ? equals : length), token + valueStart,
+    if (!hasNul) {
+        return tarn::parsed::Span{token, nameEnd, token + valueStart, length - valueStart};
+    }
+    return tarn::parsed::Span{token, boundedLength(token, nameEnd), token + valueStart,
                               boundedLength(token + valueStart, length - valueStart)};
 }
 
@@ -153,7 +170,13 @@ void TarnStringArchive::addParsedToken(TarnArchive &section, TokenRun &run, std:
         run.spans.clear();
         run.intoMap = true;
     }
+    bufferToken(lastDelimiter + 1, length);
     addBufferedToken(section, length);
+}
+
+void TarnStringArchive::bufferToken(std::int64_t start, std::size_t length) {
+    std::memcpy(tokenBuffer, text.data() + start, length);
+    tokenBuffer[length] = '\0';
 }
 
 void TarnStringArchive::endTokenRun(TarnArchive &section, TokenRun &run) {
@@ -173,6 +196,8 @@ void TarnStringArchive::parseSection(TarnArchive &section) {
     // rest of the text is ignored. Text that ends inside a section simply ends the parse.
     std::vector<TarnArchive *> open{&section};
     TokenRun run;
+    std::int64_t lastToken = -1; // start of the last token's text
+    std::size_t lastTokenLength = 0;
     const char *const bytes = text.data();
     const auto length = static_cast<std::int64_t>(text.size());
     while (position < length && !open.empty()) {
@@ -181,8 +206,7 @@ void TarnStringArchive::parseSection(TarnArchive &section) {
             endTokenRun(*open.back(), run);
             ++sectionDepth;
             const char *nameStart = bytes + lastDelimiter + 1;
-            const TarnString sectionName(
-                std::string(nameStart, static_cast<std::size_t>(position - lastDelimiter - 1)));
+            const auto nameLength = static_cast<std::size_t>(position - lastDelimiter - 1);
             lastDelimiter = position++;
             TarnArchive *target = open.back();
             if (firstSection) {
@@ -190,7 +214,7 @@ void TarnStringArchive::parseSection(TarnArchive &section) {
             } else {
                 target = &target->addChild();
             }
-            target->setName(sectionName);
+            target->getName().assign(nameStart, nameLength);
             open.push_back(target);
         } else if (byte == '}') {
             endTokenRun(*open.back(), run);
@@ -202,9 +226,9 @@ void TarnStringArchive::parseSection(TarnArchive &section) {
             if (tokenLength > tokenBufferLength) {
                 growTokenBuffer(tokenLength);
             }
-            std::memcpy(tokenBuffer, bytes + lastDelimiter + 1, tokenLength);
-            tokenBuffer[tokenLength] = '\0';
             addParsedToken(*open.back(), run, tokenLength);
+            lastToken = lastDelimiter + 1;
+            lastTokenLength = tokenLength;
             lastDelimiter = position++;
         } else {
             // Any other byte belongs to a name or a token text: skip the whole run at once.
@@ -213,6 +237,11 @@ void TarnStringArchive::parseSection(TarnArchive &section) {
     }
     if (!open.empty()) {
         endTokenRun(*open.back(), run);
+    }
+    // The token buffer ends up holding the last token's text, as if every token had passed
+    // through it; only tokens that go into a map need the copy on the way.
+    if (lastToken >= 0) {
+        bufferToken(lastToken, lastTokenLength);
     }
 }
 

@@ -147,8 +147,14 @@ float TarnToken::getFloatValue() const {
     return static_cast<float>(getDoubleValue());
 }
 
+int tarn::readTokenInt(const char *first, std::size_t length) {
+    std::uint32_t value = 0;
+    nt::readInt32(first, first + length, value);
+    return static_cast<int>(static_cast<std::int32_t>(value));
+}
+
 int TarnToken::getIntValue() const {
-    return static_cast<int>(static_cast<std::int32_t>(leadingInt32(text)));
+    return tarn::readTokenInt(text.data(), text.size());
 }
 
 unsigned long TarnToken::getULongValue() const {
