@@ -25,27 +25,14 @@ std::size_t boundedLength(const char *text, std::size_t limit) {
 // Splits the `length` bytes of one token's text into name and value. The first "=" ends the name,
 // unless it stands at index 0: then it splits nothing, the name is the whole text and the value
 // the text behind the "=". A text without "=" is a name with an empty value. Name and value end
-// at a NUL byte, as texts do.
-tarn::parsed::Span splitToken(const char *token, std::size_t length) {
-    std::size_t equals = length;
-    bool hasNul = true;
-    if (length <= 64) {
-        // A short token (most of them) is looked at in one plain loop instead of three searches.
-        hasNul = false;
-        for (std::size_t at = 0; at < length; ++at) {
-            if (token[at] == '=' && equals == length) {
-                equals = at;
-            }
-            hasNul = hasNul || token[at] == '\0';
-        }
-    } else {
-        const void *found = std::memchr(token, '=', length);
-        equals =
-            found != nullptr ? static_cast<std::size_t>(static_cast<const char *>(found) - token) : length;
-    }
+// at a NUL byte, as texts do; `mayHoldNul` false says that the token holds none.
+tarn::parsed::Span splitToken(const char *token, std::size_t length, bool mayHoldNul) {
+    const void *found = std::memchr(token, '=', length);
+    const std::size_t equals =
+        found != nullptr ? static_cast<std::size_t>(static_cast<const char *>(found) - token) : length;
     const std::size_t nameEnd = equals >= 1 ? equals : length;
     const std::size_t valueStart = equals < length ? equals + 1 : length;
-    if (!hasNul) {
+    if (!mayHoldNul) {
         return tarn::parsed::Span{token, nameEnd, token + valueStart, length - valueStart};
     }
     return tarn::parsed::Span{token, boundedLength(token, nameEnd), token + valueStart,
@@ -94,6 +81,7 @@ std::int64_t findStructural(const char *bytes, std::int64_t position, std::int64
 struct TarnStringArchive::TokenRun {
     std::vector<tarn::parsed::Span> spans;
     bool intoMap = false;
+    bool textHasNul = true; ///< False when the text holds no NUL byte, which spares the tokens a search
 };
 
 TarnStringArchive::TarnStringArchive()
@@ -144,7 +132,7 @@ void TarnStringArchive::verifyTokenStringLength(int length) {
 }
 
 void TarnStringArchive::addBufferedToken(TarnArchive &section, std::size_t length) {
-    const tarn::parsed::Span token = splitToken(tokenBuffer, length);
+    const tarn::parsed::Span token = splitToken(tokenBuffer, length, true);
     // The value is NUL-terminated in the buffer: at its own NUL or behind the token's text.
     TarnToken value;
     value.setValue(token.value);
@@ -152,7 +140,7 @@ void TarnStringArchive::addBufferedToken(TarnArchive &section, std::size_t lengt
 }
 
 void TarnStringArchive::addParsedToken(TarnArchive &section, TokenRun &run, std::size_t length) {
-    const tarn::parsed::Span token = splitToken(text.data() + lastDelimiter + 1, length);
+    const tarn::parsed::Span token = splitToken(text.data() + lastDelimiter + 1, length, run.textHasNul);
     if (!run.intoMap && run.spans.size() < tarn::parsed::kMaxSpans && tarn::parsed::fitsBlock(token) &&
         section.parsedTokens == nullptr && section.tokens.empty()) {
         run.spans.push_back(token);
@@ -196,6 +184,7 @@ void TarnStringArchive::parseSection(TarnArchive &section) {
     // rest of the text is ignored. Text that ends inside a section simply ends the parse.
     std::vector<TarnArchive *> open{&section};
     TokenRun run;
+    run.textHasNul = std::memchr(text.data(), '\0', text.size()) != nullptr;
     std::int64_t lastToken = -1; // start of the last token's text
     std::size_t lastTokenLength = 0;
     const char *const bytes = text.data();
