@@ -81,7 +81,6 @@ std::int64_t findStructural(const char *bytes, std::int64_t position, std::int64
 struct TarnStringArchive::TokenRun {
     std::vector<tarn::parsed::Span> spans;
     bool intoMap = false;
-    bool textHasNul = true; ///< False when the text holds no NUL byte, which spares the tokens a search
 };
 
 TarnStringArchive::TarnStringArchive()
@@ -140,11 +139,18 @@ void TarnStringArchive::addBufferedToken(TarnArchive &section, std::size_t lengt
 }
 
 void TarnStringArchive::addParsedToken(TarnArchive &section, TokenRun &run, std::size_t length) {
-    const tarn::parsed::Span token = splitToken(text.data() + lastDelimiter + 1, length, run.textHasNul);
-    if (!run.intoMap && run.spans.size() < tarn::parsed::kMaxSpans && tarn::parsed::fitsBlock(token) &&
-        section.parsedTokens == nullptr && section.tokens.empty()) {
-        run.spans.push_back(token);
-        return;
+    // A token longer than a name and a value of a block together never fits one: it goes to the
+    // map without being taken apart twice.
+    if (!run.intoMap && length <= 2 * tarn::parsed::kMaxSpanBytes + 1 &&
+        run.spans.size() < tarn::parsed::kMaxSpans && section.parsedTokens == nullptr &&
+        section.tokens.empty()) {
+        const char *start = text.data() + lastDelimiter + 1;
+        const tarn::parsed::Span token =
+            splitToken(start, length, std::memchr(start, '\0', length) != nullptr);
+        if (tarn::parsed::fitsBlock(token)) {
+            run.spans.push_back(token);
+            return;
+        }
     }
     if (!run.intoMap) {
         // The run no longer fits a block: what it holds so far goes into the map first, in order.
@@ -184,7 +190,6 @@ void TarnStringArchive::parseSection(TarnArchive &section) {
     // rest of the text is ignored. Text that ends inside a section simply ends the parse.
     std::vector<TarnArchive *> open{&section};
     TokenRun run;
-    run.textHasNul = std::memchr(text.data(), '\0', text.size()) != nullptr;
     std::int64_t lastToken = -1; // start of the last token's text
     std::size_t lastTokenLength = 0;
     const char *const bytes = text.data();
