@@ -1,12 +1,14 @@
 // TarnStringArchive: the section parser, the string writer and the text inspections.
 #include "tarn/serialization/TarnStringArchive.h"
 
+#include "serialization/TarnParsedTokens.h"
 #include "serialization/TarnRestoreSequence.h"
 #include "serialization/TarnSectionWalk.h"
 #include "tarn/serialization/TarnSerializable.h"
 
 #include <cstdint>
 #include <cstring>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -18,6 +20,23 @@ constexpr std::size_t kInitialTokenBufferLength = 100;
 std::size_t boundedLength(const char *text, std::size_t limit) {
     const void *nul = std::memchr(text, '\0', limit);
     return nul != nullptr ? static_cast<std::size_t>(static_cast<const char *>(nul) - text) : limit;
+}
+
+// Splits the `length` bytes of one token's text into name and value. The first "=" ends the name,
+// unless it stands at index 0: then it splits nothing, the name is the whole text and the value
+// the text behind the "=". A text without "=" is a name with an empty value. Name and value end
+// at a NUL byte, as texts do; `mayHoldNul` false says that the token holds none.
+tarn::parsed::Span splitToken(const char *token, std::size_t length, bool mayHoldNul) {
+    const void *found = std::memchr(token, '=', length);
+    const std::size_t equals =
+        found != nullptr ? static_cast<std::size_t>(static_cast<const char *>(found) - token) : length;
+    const std::size_t nameEnd = equals >= 1 ? equals : length;
+    const std::size_t valueStart = equals < length ? equals + 1 : length;
+    if (!mayHoldNul) {
+        return tarn::parsed::Span{token, nameEnd, token + valueStart, length - valueStart};
+    }
+    return tarn::parsed::Span{token, boundedLength(token, nameEnd), token + valueStart,
+                              boundedLength(token + valueStart, length - valueStart)};
 }
 
 // True for the three bytes that carry the structure of the text.
@@ -56,6 +75,13 @@ std::int64_t findStructural(const char *bytes, std::int64_t position, std::int64
 }
 
 } // namespace
+
+// A run of a few short tokens into a node without tokens becomes one compact block when the run
+// ends; any other run goes token by token into the node's map.
+struct TarnStringArchive::TokenRun {
+    std::vector<tarn::parsed::Span> spans;
+    bool intoMap = false;
+};
 
 TarnStringArchive::TarnStringArchive()
     : position(0), lastDelimiter(-1), sectionDepth(0), firstSection(true),
@@ -105,20 +131,54 @@ void TarnStringArchive::verifyTokenStringLength(int length) {
 }
 
 void TarnStringArchive::addBufferedToken(TarnArchive &section, std::size_t length) {
-    // The first "=" ends the name, unless it stands at index 0: then it splits nothing, the name
-    // is the whole text and the value the text behind the "=". A text without "=" is a name with
-    // an empty value. Name and value end at a NUL byte, as texts do.
-    const char *token = tokenBuffer;
-    const void *found = std::memchr(token, '=', length);
-    const std::size_t equals =
-        found != nullptr ? static_cast<std::size_t>(static_cast<const char *>(found) - token) : length;
-    std::size_t nameLength = equals >= 1 ? equals : length;
-    std::size_t valueStart = equals < length ? equals + 1 : length;
-    nameLength = boundedLength(token, nameLength);
-    // The value runs from valueStart to the first NUL, at the latest the one behind the text.
+    const tarn::parsed::Span token = splitToken(tokenBuffer, length, true);
+    // The value is NUL-terminated in the buffer: at its own NUL or behind the token's text.
     TarnToken value;
-    value.setValue(token + valueStart);
-    section.getTokens().try_emplace(TarnString(std::string(token, nameLength)), std::move(value));
+    value.setValue(token.value);
+    section.getTokens().try_emplace(TarnString(std::string(token.name, token.nameLength)), std::move(value));
+}
+
+void TarnStringArchive::addParsedToken(TarnArchive &section, TokenRun &run, std::size_t length) {
+    // A token longer than a name and a value of a block together never fits one: it goes to the
+    // map without being taken apart twice.
+    if (!run.intoMap && length <= 2 * tarn::parsed::kMaxSpanBytes + 1 &&
+        run.spans.size() < tarn::parsed::kMaxSpans && section.parsedTokens == nullptr &&
+        section.tokens.empty()) {
+        const char *start = text.data() + lastDelimiter + 1;
+        const tarn::parsed::Span token =
+            splitToken(start, length, std::memchr(start, '\0', length) != nullptr);
+        if (tarn::parsed::fitsBlock(token)) {
+            run.spans.push_back(token);
+            return;
+        }
+    }
+    if (!run.intoMap) {
+        // The run no longer fits a block: what it holds so far goes into the map first, in order.
+        section.moveParsedTokens();
+        for (const tarn::parsed::Span &earlier : run.spans) {
+            TarnToken value;
+            value.setValue(std::string(earlier.value, earlier.valueLength).c_str());
+            section.tokens.try_emplace(TarnString(std::string(earlier.name, earlier.nameLength)),
+                                       std::move(value));
+        }
+        run.spans.clear();
+        run.intoMap = true;
+    }
+    bufferToken(lastDelimiter + 1, length);
+    addBufferedToken(section, length);
+}
+
+void TarnStringArchive::bufferToken(std::int64_t start, std::size_t length) {
+    std::memcpy(tokenBuffer, text.data() + start, length);
+    tokenBuffer[length] = '\0';
+}
+
+void TarnStringArchive::endTokenRun(TarnArchive &section, TokenRun &run) {
+    if (!run.spans.empty()) {
+        section.setParsedTokens(run.spans.data(), run.spans.size());
+        run.spans.clear();
+    }
+    run.intoMap = false;
 }
 
 void TarnStringArchive::parseSection(TarnArchive &section) {
@@ -129,15 +189,18 @@ void TarnStringArchive::parseSection(TarnArchive &section) {
     // open section, a "}" closes it; when the last open section closes, the parse ends and the
     // rest of the text is ignored. Text that ends inside a section simply ends the parse.
     std::vector<TarnArchive *> open{&section};
+    TokenRun run;
+    std::int64_t lastToken = -1; // start of the last token's text
+    std::size_t lastTokenLength = 0;
     const char *const bytes = text.data();
     const auto length = static_cast<std::int64_t>(text.size());
     while (position < length && !open.empty()) {
         const char byte = bytes[position];
         if (byte == '{') {
+            endTokenRun(*open.back(), run);
             ++sectionDepth;
             const char *nameStart = bytes + lastDelimiter + 1;
-            const TarnString sectionName(
-                std::string(nameStart, static_cast<std::size_t>(position - lastDelimiter - 1)));
+            const auto nameLength = static_cast<std::size_t>(position - lastDelimiter - 1);
             lastDelimiter = position++;
             TarnArchive *target = open.back();
             if (firstSection) {
@@ -145,9 +208,10 @@ void TarnStringArchive::parseSection(TarnArchive &section) {
             } else {
                 target = &target->addChild();
             }
-            target->setName(sectionName);
+            target->getName().assign(nameStart, nameLength);
             open.push_back(target);
         } else if (byte == '}') {
+            endTokenRun(*open.back(), run);
             --sectionDepth;
             lastDelimiter = position++;
             open.pop_back();
@@ -156,14 +220,22 @@ void TarnStringArchive::parseSection(TarnArchive &section) {
             if (tokenLength > tokenBufferLength) {
                 growTokenBuffer(tokenLength);
             }
-            std::memcpy(tokenBuffer, bytes + lastDelimiter + 1, tokenLength);
-            tokenBuffer[tokenLength] = '\0';
-            addBufferedToken(*open.back(), tokenLength);
+            addParsedToken(*open.back(), run, tokenLength);
+            lastToken = lastDelimiter + 1;
+            lastTokenLength = tokenLength;
             lastDelimiter = position++;
         } else {
             // Any other byte belongs to a name or a token text: skip the whole run at once.
             position = findStructural(bytes, position + 1, length);
         }
+    }
+    if (!open.empty()) {
+        endTokenRun(*open.back(), run);
+    }
+    // The token buffer ends up holding the last token's text, as if every token had passed
+    // through it; only tokens that go into a map need the copy on the way.
+    if (lastToken >= 0) {
+        bufferToken(lastToken, lastTokenLength);
     }
 }
 

@@ -7,10 +7,16 @@
 #include "tarn/foundation/TarnVector.h"
 #include "tarn/serialization/TarnToken.h"
 
+#include <cstddef>
 #include <map>
 #include <string_view>
 
 class TarnSerializable;
+namespace tarn {
+namespace parsed {
+struct Span;
+}
+} // namespace tarn
 
 /// Orders token names by the bytes of the standard string, as unsigned values: a name that is a
 /// prefix of another comes first, upper-case letters before lower-case ones. Transparent, so that
@@ -85,10 +91,33 @@ public:
 protected:
     TarnArchive *parent;              ///< The node holding this one as a child; null at a root. Not owned.
     TarnVector<TarnArchive> children; ///< The child sections in the order they were added; owned.
-    TarnTokenMap tokens;              ///< The section's tokens by name.
-    TarnString name;                  ///< The section's name; for a stored object its class name.
+    /// The section's tokens by name. A node that a parser filled may hold a few short tokens in a
+    /// compact form instead, until getTokens or an adder first runs on it: read through getTokens
+    /// or the lookups, which see both.
+    TarnTokenMap tokens;
+    TarnString name; ///< The section's name; for a stored object its class name.
 
 private:
-    /// Returns the token of this name, or null.
+    friend class TarnStringArchive;
+
+    /// Returns the token of this name in `tokens`, or null.
     const TarnToken *findToken(const char *tokenName) const;
+    /// Returns the text of the token of this name while the node holds its tokens in compact
+    /// form, or null.
+    const char *findParsedText(const char *tokenName) const;
+    /// Gives the node the compact form of `count` tokens; the node must have none yet.
+    void setParsedTokens(const tarn::parsed::Span *spans, std::size_t count);
+    /// Releases the compact tokens, if they have a block of their own.
+    void releaseParsedTokens();
+    /// Moves the compact tokens into `tokens`, in order, once. The compact block stays until the
+    /// node is destroyed, so that texts that lookups handed out stay readable.
+    void moveParsedTokens();
+
+    /// Room for the compact tokens of a typical stored object inside the node itself.
+    static constexpr std::size_t kInlineTokenBytes = 96;
+
+    /// Tokens that a parser found, in compact form: in `inlineTokens` or in an owned block of
+    /// their own when they do not fit there; null when there are none.
+    unsigned char *parsedTokens;
+    unsigned char inlineTokens[kInlineTokenBytes]; ///< The compact tokens when they fit.
 };
