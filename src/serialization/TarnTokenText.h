@@ -8,10 +8,10 @@ class TarnSerializable;
 namespace tarn {
 
 /// Returns the address that TarnToken::getPointerValue gives for a token holding the `length`
-/// bytes at `text`; the bytes are read where they stand, without a copy.
-TarnSerializable *readTokenPointer(const char *text, std::size_t length);
+/// bytes at `first`; the bytes are read where they stand, without a copy.
+TarnSerializable *readTokenPointer(const char *first, std::size_t length);
 /// Returns the number that TarnToken::getIntValue gives for a token holding the `length` bytes
-/// at `text`, read in place.
-int readTokenInt(const char *text, std::size_t length);
+/// at `first`, read in place.
+int readTokenInt(const char *first, std::size_t length);
 
 } // namespace tarn
