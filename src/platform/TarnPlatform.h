@@ -31,6 +31,10 @@ constexpr int kFormatError = -2;
 int formatBounded(char *buffer, std::size_t capacity, const char *format, va_list arguments,
                   std::size_t *needed);
 
+/// The line end of the platform's text files, as its text mode writes a line feed: "\r\n" on
+/// Windows, "\n" on POSIX.
+const char *textLineEnd();
+
 /// Compares two NUL-terminated texts with the letters A-Z folded to a-z, bytes as unsigned
 /// values. Returns a negative, zero or positive value; only the sign has a meaning.
 /// (One implementation serves every platform: src/platform/TarnTextCompare.cpp.)
