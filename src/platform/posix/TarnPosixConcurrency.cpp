@@ -145,7 +145,7 @@ bool applyLevel(const ThreadObject &thread, int level) {
     }
     const int lowest = ::sched_get_priority_min(policy);
     const int highest = ::sched_get_priority_max(policy);
-    if (lowest < 0 || highest < lowest) {
+    if (lowest == -1 || highest == -1 || highest < lowest) { // -1: the policy is unknown
         return false;
     }
     const long steps = static_cast<long>(kNiceSlowest - niceOffsetForLevel(level)); // 0 to 39
