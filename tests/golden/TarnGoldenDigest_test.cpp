@@ -399,10 +399,13 @@ std::string iniText() {
     // Windows ends each line with CR LF; this model holds no other CR or LF.
     std::string lines;
     for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') {
-            continue;
+        if (text[i] == '\n') {
+            EXPECT_TRUE(i > 0 && text[i - 1] == '\r')
+                << "a line feed without a carriage return at byte " << i;
+            if (!lines.empty() && lines.back() == '\r') {
+                lines.pop_back();
+            }
         }
-        EXPECT_NE(text[i], '\n') << "a line feed without a carriage return at byte " << i;
         lines += text[i];
     }
     return lines;
