@@ -15,6 +15,8 @@ namespace {
 thread_local int allocationsLeft = -1;
 } // namespace
 
+// Every form of plain new and delete is replaced, so that all of them pair malloc with free (a
+// sanitizer's own forms would otherwise meet these).
 void *operator new(std::size_t size) {
     if (allocationsLeft == 0) {
         throw std::bad_alloc();
@@ -28,6 +30,22 @@ void *operator new(std::size_t size) {
     throw std::bad_alloc();
 }
 
+void *operator new[](std::size_t size) {
+    return operator new(size);
+}
+
+void *operator new(std::size_t size, const std::nothrow_t &) noexcept {
+    try {
+        return operator new(size);
+    } catch (const std::bad_alloc &) {
+        return nullptr;
+    }
+}
+
+void *operator new[](std::size_t size, const std::nothrow_t &) noexcept {
+    return operator new(size, std::nothrow);
+}
+
 // GCC takes free inside the replacement of operator delete for a mismatch with operator new.
 #if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC diagnostic push
@@ -36,13 +54,29 @@ void *operator new(std::size_t size) {
 void operator delete(void *memory) noexcept {
     std::free(memory);
 }
-
-void operator delete(void *memory, std::size_t) noexcept {
-    std::free(memory);
-}
 #if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC diagnostic pop
 #endif
+
+void operator delete[](void *memory) noexcept {
+    operator delete(memory);
+}
+
+void operator delete(void *memory, std::size_t) noexcept {
+    operator delete(memory);
+}
+
+void operator delete[](void *memory, std::size_t) noexcept {
+    operator delete(memory);
+}
+
+void operator delete(void *memory, const std::nothrow_t &) noexcept {
+    operator delete(memory);
+}
+
+void operator delete[](void *memory, const std::nothrow_t &) noexcept {
+    operator delete(memory);
+}
 
 tarntest::FailingAllocations::FailingAllocations(int allowed) {
     allocationsLeft = allowed;
