@@ -16,8 +16,9 @@ thread_local int allocationsLeft = -1;
 } // namespace
 
 // Every form of plain new and delete is replaced, so that all of them pair malloc with free (a
-// sanitizer's own forms would otherwise meet these).
-void *operator new(std::size_t size) {
+// sanitizer's own forms would otherwise meet these). None is inlined, so that a memory checker
+// that takes the place of a program's own allocation functions takes the place of all of them.
+[[gnu::noinline]] void *operator new(std::size_t size) {
     if (allocationsLeft == 0) {
         throw std::bad_alloc();
     }
@@ -30,11 +31,11 @@ void *operator new(std::size_t size) {
     throw std::bad_alloc();
 }
 
-void *operator new[](std::size_t size) {
+[[gnu::noinline]] void *operator new[](std::size_t size) {
     return operator new(size);
 }
 
-void *operator new(std::size_t size, const std::nothrow_t &) noexcept {
+[[gnu::noinline]] void *operator new(std::size_t size, const std::nothrow_t &) noexcept {
     try {
         return operator new(size);
     } catch (const std::bad_alloc &) {
@@ -42,7 +43,7 @@ void *operator new(std::size_t size, const std::nothrow_t &) noexcept {
     }
 }
 
-void *operator new[](std::size_t size, const std::nothrow_t &) noexcept {
+[[gnu::noinline]] void *operator new[](std::size_t size, const std::nothrow_t &) noexcept {
     return operator new(size, std::nothrow);
 }
 
@@ -51,30 +52,30 @@ void *operator new[](std::size_t size, const std::nothrow_t &) noexcept {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wmismatched-new-delete"
 #endif
-void operator delete(void *memory) noexcept {
+[[gnu::noinline]] void operator delete(void *memory) noexcept {
     std::free(memory);
 }
 #if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC diagnostic pop
 #endif
 
-void operator delete[](void *memory) noexcept {
+[[gnu::noinline]] void operator delete[](void *memory) noexcept {
     operator delete(memory);
 }
 
-void operator delete(void *memory, std::size_t) noexcept {
+[[gnu::noinline]] void operator delete(void *memory, std::size_t) noexcept {
     operator delete(memory);
 }
 
-void operator delete[](void *memory, std::size_t) noexcept {
+[[gnu::noinline]] void operator delete[](void *memory, std::size_t) noexcept {
     operator delete(memory);
 }
 
-void operator delete(void *memory, const std::nothrow_t &) noexcept {
+[[gnu::noinline]] void operator delete(void *memory, const std::nothrow_t &) noexcept {
     operator delete(memory);
 }
 
-void operator delete[](void *memory, const std::nothrow_t &) noexcept {
+[[gnu::noinline]] void operator delete[](void *memory, const std::nothrow_t &) noexcept {
     operator delete(memory);
 }
 
