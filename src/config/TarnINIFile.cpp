@@ -2,6 +2,7 @@
 #include "tarn/config/TarnINIFile.h"
 
 #include "foundation/TarnAsciiBytes.h"
+#include "platform/TarnPlatform.h"
 
 #include <cstring>
 #include <fstream>
@@ -216,24 +217,29 @@ bool TarnINIFile::write(const char *name) {
     }
     closeFile();
     // Creating or truncating the file with the C library decides success; the text itself goes
-    // through a C++ text stream on the same name, so line ends are the platform's own.
+    // through a C++ stream on the same name. The stream writes bytes untranslated and puts the
+    // platform's own line end behind each line: so the lines end as in the platform's text mode,
+    // and names and values go out byte for byte. A text-mode stream on Windows would turn a line
+    // feed inside a section name or a key (which the scanner keeps there) into CR LF, and each
+    // load and save would then add one more CR to the name.
     file = std::fopen(fileName.c_str(), "w");
     if (file == nullptr) {
         return false;
     }
-    std::ofstream stream(fileName.c_str());
+    const std::string lineEnd = tarn::platform::textLineEnd();
+    std::ofstream stream(fileName.c_str(), std::ios::out | std::ios::binary);
     for (auto &section : *this) {
         stream.put('[');
         put(stream, section.first);
         stream.put(']');
-        stream.put('\n');
+        put(stream, lineEnd);
         for (auto &key : section.second) {
             put(stream, key.first);
             stream.put('=');
             put(stream, key.second.getStringValue());
-            stream.put('\n');
+            put(stream, lineEnd);
         }
-        stream.put('\n');
+        put(stream, lineEnd);
     }
     std::fflush(file);
     closeFile();

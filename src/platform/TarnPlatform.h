@@ -4,7 +4,11 @@
 // Exactly one implementation of these declarations is built: src/platform/posix/ or
 // src/platform/win32/, chosen by CMake. Subsystems call only what is declared here and never test
 // the platform themselves. No operating-system header may be included from this file. Each
-// declaration states the contract that both implementations meet.
+// declaration states the contract that both implementations meet. The POSIX implementation uses
+// portable POSIX interfaces; where Linux offers more (file times to the nanosecond, birth times,
+// a nice value per thread) it takes that behind a check inside the implementation, with the
+// portable form elsewhere. The semaphore and thread functions of both never throw: a lack of
+// memory there is reported like any other lack of a system resource, by a null result.
 
 #include <cstdarg>
 #include <cstddef>
@@ -30,6 +34,10 @@ constexpr int kFormatError = -2;
 /// length is stored through `needed` (when not null); otherwise 0 is stored there.
 int formatBounded(char *buffer, std::size_t capacity, const char *format, va_list arguments,
                   std::size_t *needed);
+
+/// The line end of the platform's text files, as its text mode writes a line feed: "\r\n" on
+/// Windows, "\n" on POSIX.
+const char *textLineEnd();
 
 /// Compares two NUL-terminated texts with the letters A-Z folded to a-z, bytes as unsigned
 /// values. Returns a negative, zero or positive value; only the sign has a meaning.
@@ -66,8 +74,8 @@ constexpr std::uint32_t kFileAttributeNormal = 128u;
 
 /// The three times of a file, each in 100-ns ticks since 1601-01-01 00:00 UTC.
 struct FileTimes {
-    std::uint64_t creation = 0;   ///< Creation (POSIX: birth time where the file system keeps one,
-                                  ///< else the last status change).
+    std::uint64_t creation = 0;   ///< Creation (Linux: birth time where the file system keeps one;
+                                  ///< else, and on other POSIX systems, the last status change).
     std::uint64_t lastAccess = 0; ///< Last access.
     std::uint64_t lastWrite = 0;  ///< Last write.
 };
@@ -88,8 +96,9 @@ bool inspectFileSize(const char *path, std::uint32_t &size);
 
 /// Opens `path` for inspection as inspectFileSize does, stores its three times in `times` and
 /// closes it again. Returns false, leaving `times` alone, when the file does not open or its times
-/// cannot be read. POSIX times before 1601 read as 0 and times beyond the tick range as
-/// 0x7FFFFFFFFFFFFFFF, the largest time Windows accepts.
+/// cannot be read. POSIX times are exact to the nanosecond on Linux and to the second elsewhere;
+/// times before 1601 read as 0 and times beyond the tick range as 0x7FFFFFFFFFFFFFFF, the largest
+/// time Windows accepts.
 bool inspectFileTimes(const char *path, FileTimes &times);
 
 /// The receiver of directory entries: called once per entry with the bare entry name and its
@@ -136,7 +145,8 @@ constexpr std::uint32_t kStillActive = 259u;
 struct SemaphoreObject;
 
 /// Creates an unnamed semaphore whose initial count and maximum count are both `count`. Returns
-/// null when `count` is below 1 or the system has no semaphore to give.
+/// null when `count` is below 1 or the system has no semaphore to give, out of memory included;
+/// it never throws.
 SemaphoreObject *createSemaphore(int count);
 
 /// Adds a reference to `semaphore` and returns it (null gives null).
@@ -166,8 +176,9 @@ using ThreadEntry = unsigned long (*)(void *argument);
 
 /// Creates a thread, with the platform's default stack size, that stands suspended at a gate:
 /// `entry(argument)` begins only after resumeThread. Returns null when the system cannot create
-/// a thread. So that the caller can set a priority first, the thread exists in full when this
-/// returns. A created thread must be resumed: one that is never resumed waits for good.
+/// a thread, out of memory included; it never throws. So that the caller can set a priority
+/// first, the thread exists in full when this returns. A created thread must be resumed: one that
+/// is never resumed waits for good.
 ThreadObject *createSuspendedThread(ThreadEntry entry, void *argument);
 
 /// Adds a reference to `thread` and returns it (null gives null).
@@ -177,11 +188,13 @@ ThreadObject *shareThread(ThreadObject *thread);
 void closeThread(ThreadObject *thread);
 
 /// Sets the scheduling priority of `thread` to `level`, one of the thread priority levels of the
-/// Windows family (-15 idle, -2 to 2, 15 time-critical). Best effort: on POSIX the level maps
+/// Windows family (-15 idle, -2 to 2, 15 time-critical). Best effort: on Linux the level maps
 /// onto the nice value of that one thread (-15 to 19, -2 to 10, -1 to 5, 0 to 0, 1 to -5, 2 to
-/// -10, 15 to -20, relative to the process's nice value); a raise that the system refuses an
-/// unprivileged process is ignored. On a thread that has ended the call has no effect. Returns
-/// false when the system refused the level, and for null.
+/// -10, 15 to -20, relative to the process's nice value); on other POSIX systems, which have no
+/// nice value per thread, the same scale (19 slowest to -20 fastest) is spread over the range of
+/// the thread's scheduling policy. A raise that the system refuses an unprivileged process is
+/// ignored. On a thread that has ended the call has no effect. Returns false when the system
+/// refused the level, and for null.
 bool setThreadPriority(ThreadObject *thread, int level);
 
 /// Opens the gate of a suspended thread so that its entry begins. Returns false for null.

@@ -178,6 +178,7 @@ void TarnFileName::increment() {
         incrementDecimalRun(digits);
     }
     stepped += digits;
-    // Rebuilt as setFileName does; the name goes in as a whole, even with a NUL byte inside.
-    assign(joinParts(getPath(), stepped, getFileExt()));
+    // The new name goes through setFileName's text-pointer form, like any other caller's name: a
+    // NUL byte inside the name ends the text that setFileName sees, so "x\0y9" puts "x" in place.
+    setFileName(stepped.c_str());
 }

@@ -11,6 +11,21 @@
 
 namespace tarntest {
 
+/// While an object of this class lives, operator new on the thread that made it grants `allowed`
+/// more allocations and then fails with std::bad_alloc. (This test program replaces operator new;
+/// see TarnSemaphore_test.cpp.)
+class FailingAllocations {
+public:
+    explicit FailingAllocations(int allowed = 0);
+    ~FailingAllocations();
+    FailingAllocations(const FailingAllocations &) = delete;
+    FailingAllocations &operator=(const FailingAllocations &) = delete;
+
+    /// Whether the library's own allocations come from this program's operator new: not so where
+    /// the library carries a runtime of its own (a Windows DLL linked statically).
+    static bool reachLibrary();
+};
+
 /// The bound of every wait in these tests, in milliseconds: long enough for a loaded machine
 /// under a sanitizer.
 constexpr unsigned long kGenerousMs = 30000;

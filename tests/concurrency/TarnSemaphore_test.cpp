@@ -4,8 +4,98 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstdlib>
+#include <new>
 #include <sstream>
 #include <string>
+
+// This program's operator new, so that tests can make allocations fail: each thread may be given a
+// number of allocations after which they fail (-1: no limit).
+namespace {
+thread_local int allocationsLeft = -1;
+} // namespace
+
+// Every form of plain new and delete is replaced, so that all of them pair malloc with free (a
+// sanitizer's own forms would otherwise meet these). None is inlined, so that a memory checker
+// that takes the place of a program's own allocation functions takes the place of all of them.
+[[gnu::noinline]] void *operator new(std::size_t size) {
+    if (allocationsLeft == 0) {
+        throw std::bad_alloc();
+    }
+    if (allocationsLeft > 0) {
+        --allocationsLeft;
+    }
+    if (void *memory = std::malloc(size == 0 ? 1 : size)) {
+        return memory;
+    }
+    throw std::bad_alloc();
+}
+
+[[gnu::noinline]] void *operator new[](std::size_t size) {
+    return operator new(size);
+}
+
+[[gnu::noinline]] void *operator new(std::size_t size, const std::nothrow_t &) noexcept {
+    try {
+        return operator new(size);
+    } catch (const std::bad_alloc &) {
+        return nullptr;
+    }
+}
+
+[[gnu::noinline]] void *operator new[](std::size_t size, const std::nothrow_t &) noexcept {
+    return operator new(size, std::nothrow);
+}
+
+// GCC takes free inside the replacement of operator delete for a mismatch with operator new.
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
+#endif
+[[gnu::noinline]] void operator delete(void *memory) noexcept {
+    std::free(memory);
+}
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic pop
+#endif
+
+[[gnu::noinline]] void operator delete[](void *memory) noexcept {
+    operator delete(memory);
+}
+
+[[gnu::noinline]] void operator delete(void *memory, std::size_t) noexcept {
+    operator delete(memory);
+}
+
+[[gnu::noinline]] void operator delete[](void *memory, std::size_t) noexcept {
+    operator delete(memory);
+}
+
+[[gnu::noinline]] void operator delete(void *memory, const std::nothrow_t &) noexcept {
+    operator delete(memory);
+}
+
+[[gnu::noinline]] void operator delete[](void *memory, const std::nothrow_t &) noexcept {
+    operator delete(memory);
+}
+
+tarntest::FailingAllocations::FailingAllocations(int allowed) {
+    allocationsLeft = allowed;
+}
+
+tarntest::FailingAllocations::~FailingAllocations() {
+    allocationsLeft = -1;
+}
+
+bool tarntest::FailingAllocations::reachLibrary() {
+    const FailingAllocations failing;
+    try {
+        const TarnMatrix probe(2, 2);
+        return false;
+    } catch (const std::bad_alloc &) {
+        return true;
+    }
+}
 
 namespace {
 
@@ -114,6 +204,27 @@ TEST(TarnSemaphoreTest, AcquireWaitsUntilAnotherThreadReleases) {
     EXPECT_TRUE(acquired.waitFor(1));
     ASSERT_TRUE(waiter.wait(tarntest::kGenerousMs));
     EXPECT_EQ(freeUnits(semaphore), 0);
+}
+
+// Out of memory is one more way for the system to have no semaphore to give: the semaphore is
+// dead (nothing to take, releases ignored), and nothing is thrown.
+TEST(TarnSemaphoreTest, OutOfMemoryGivesADeadSemaphoreWithoutAnException) {
+    if (!tarntest::FailingAllocations::reachLibrary()) {
+        GTEST_SKIP() << "the library's allocations do not come from this program's operator new";
+    }
+    bool threw = false;
+    bool tookAUnit = true;
+    try {
+        const tarntest::FailingAllocations failing;
+        TarnSemaphore semaphore(2);
+        semaphore.release(1);
+        semaphore.acquire(1); // returns at once: there is nothing to wait on
+        tookAUnit = semaphore.tryAcquire(1);
+    } catch (...) {
+        threw = true;
+    }
+    EXPECT_FALSE(threw);
+    EXPECT_FALSE(tookAUnit);
 }
 
 } // namespace

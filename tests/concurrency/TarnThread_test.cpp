@@ -154,4 +154,31 @@ TEST(TarnThreadTest, CopiesReferToTheSameSystemThreadAndAnyThreadMayWaitForIt) {
     EXPECT_EQ(probe.begun.count(), 1);
 }
 
+// Out of memory for the thread's record, or for the start of the system thread, is a thread that
+// the system could not create: start still answers true, and the thread reads as ended at once.
+TEST(TarnThreadTest, OutOfMemoryGivesAThreadThatEndedAtOnceWithoutAnException) {
+    if (!tarntest::FailingAllocations::reachLibrary()) {
+        GTEST_SKIP() << "the library's allocations do not come from this program's operator new";
+    }
+    for (int allowed : {0, 1}) {
+        SCOPED_TRACE(testing::Message() << allowed << " allocations granted");
+        std::atomic<int> runs{0};
+        tarntest::FunctionThread thread([&runs] { ++runs; });
+        bool threw = false;
+        bool started = false;
+        try {
+            const tarntest::FailingAllocations failing(allowed);
+            started = thread.start(TarnThread::Normal);
+        } catch (...) {
+            threw = true;
+        }
+        EXPECT_FALSE(threw);
+        EXPECT_TRUE(started);
+        EXPECT_FALSE(thread.running());
+        EXPECT_TRUE(thread.finished());
+        EXPECT_TRUE(thread.wait(0));
+        EXPECT_EQ(runs.load(), 0);
+    }
+}
+
 } // namespace

@@ -62,33 +62,4 @@ inline bool loadBytes(TarnINIFile &file, const std::string &bytes, const std::st
     return file.read(path.c_str());
 }
 
-/// The line end that a text-mode stream writes for "\n" on this platform ("\r\n" on Windows).
-inline std::string platformLineEnd() {
-    const std::string path = ::testing::TempDir() + "tarn_config_line_end.txt";
-    std::ofstream(path) << '\n';
-    return readBytes(path);
-}
-
-/// `model` as a save and a load on this platform give it back: a line feed inside a section name
-/// or a key is written as the platform's line end, and read back as those bytes. (Values hold no
-/// line feed after a load.)
-inline Model afterSaveAndLoad(const Model &model) {
-    const std::string lineEnd = platformLineEnd();
-    const auto translate = [&lineEnd](const std::string &name) {
-        std::string result;
-        for (char byte : name) {
-            result += byte == '\n' ? lineEnd : std::string(1, byte);
-        }
-        return result;
-    };
-    Model result;
-    for (const auto &section : model) {
-        auto &keys = result[translate(section.first)];
-        for (const auto &key : section.second) {
-            keys[translate(key.first)] = key.second;
-        }
-    }
-    return result;
-}
-
 } // namespace tarn_test

@@ -133,6 +133,10 @@ TEST(TarnFileNameTest, IncrementStepsEveryTableText) {
         name.increment();
         EXPECT_EQ(std::string(name), row.second) << "present text " << row.first;
     }
+    // The stepped name is passed on as a text pointer, so it ends at a NUL byte inside it.
+    TarnFileName withNul(TarnString(std::string("C:\\a\\x\0y9.txt", 13)));
+    withNul.increment();
+    EXPECT_EQ(std::string(withNul), "C:\\a\\x.txt");
     TarnFileName twice("C:\\a\\file.txt");
     twice.increment();
     twice.increment();

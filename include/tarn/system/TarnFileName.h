@@ -98,7 +98,7 @@ public:
 
     /// Steps the decimal number at the end of the name by one, zero-padded to its old width and
     /// wider only when it carries over (file009 to file010, file999 to file1000); a name without
-    /// one gains "1". The text is then rebuilt as setFileName does. An empty name leaves the text
-    /// unchanged.
+    /// one gains "1". The new name then goes to setFileName as a text pointer, so a NUL byte
+    /// inside the name ends it there ("x\0y9" becomes "x"). An empty name leaves the text unchanged.
     void increment();
 };

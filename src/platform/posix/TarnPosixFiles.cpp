@@ -1,4 +1,9 @@
 // POSIX implementation of the file and directory services of the platform seam.
+//
+// Portable POSIX throughout, with Linux extras where Linux tells more: file times to the
+// nanosecond (the st_*tim fields) and the birth time (statx). Elsewhere the times are whole
+// seconds and the creation time is the last status change. Directory entries use the entry type
+// where the system's readdir gives one, and ask the file system otherwise.
 #include "platform/TarnPlatform.h"
 
 #include <cerrno>
@@ -44,8 +49,25 @@ std::uint64_t ticksSince1601(std::int64_t seconds, std::int64_t nanoseconds) {
     return static_cast<std::uint64_t>(ticks);
 }
 
-std::uint64_t ticksSince1601(const struct timespec &time) {
-    return ticksSince1601(static_cast<std::int64_t>(time.tv_sec), static_cast<std::int64_t>(time.tv_nsec));
+// The three times of a status record, to the nanosecond where the system keeps them so.
+struct StatusTimes {
+    std::uint64_t access;
+    std::uint64_t modification;
+    std::uint64_t statusChange;
+};
+
+StatusTimes statusTimes(const struct stat &status) {
+#if defined(__linux__)
+    const auto ticks = [](const struct timespec &time) {
+        return ticksSince1601(static_cast<std::int64_t>(time.tv_sec),
+                              static_cast<std::int64_t>(time.tv_nsec));
+    };
+    return {ticks(status.st_atim), ticks(status.st_mtim), ticks(status.st_ctim)};
+#else
+    return {ticksSince1601(static_cast<std::int64_t>(status.st_atime), 0),
+            ticksSince1601(static_cast<std::int64_t>(status.st_mtime), 0),
+            ticksSince1601(static_cast<std::int64_t>(status.st_ctime), 0)};
+#endif
 }
 
 // A file opened for inspection: read-only, never blocking (a FIFO without a writer would
@@ -79,7 +101,7 @@ private:
 
 // The creation time: the birth time where the file system keeps one, else the status change.
 std::uint64_t creationTicks(const InspectedFile &file) {
-#if defined(STATX_BTIME)
+#if defined(__linux__) && defined(STATX_BTIME)
     struct statx extended {};
     if (::statx(file.descriptor(), "", AT_EMPTY_PATH, STATX_BTIME, &extended) == 0 &&
         (extended.stx_mask & STATX_BTIME) != 0) {
@@ -87,23 +109,26 @@ std::uint64_t creationTicks(const InspectedFile &file) {
                               static_cast<std::int64_t>(extended.stx_btime.tv_nsec));
     }
 #endif
-    return ticksSince1601(file.status().st_ctim);
+    return statusTimes(file.status()).statusChange;
 }
 
 std::uint32_t attributesOfMode(mode_t mode) {
     return S_ISDIR(mode) ? kFileAttributeDirectory : kFileAttributeNormal;
 }
 
-// The attribute word of one directory entry. The entry type usually answers; a symbolic link
-// is followed (it lists as what it points to) and an unknown type is asked of the file system.
-// A link that leads nowhere lists as a plain file.
+// The attribute word of one directory entry. The entry type usually answers where readdir gives
+// one (not a POSIX field); a symbolic link is followed (it lists as what it points to), and an
+// unknown type, or any entry where there is no type, is asked of the file system. A link that
+// leads nowhere lists as a plain file.
 std::uint32_t entryAttributes(DIR *directory, const struct dirent &entry) {
+#if defined(DT_DIR) && defined(DT_LNK) && defined(DT_UNKNOWN)
     if (entry.d_type == DT_DIR) {
         return kFileAttributeDirectory;
     }
     if (entry.d_type != DT_LNK && entry.d_type != DT_UNKNOWN) {
         return kFileAttributeNormal;
     }
+#endif
     struct stat status {};
     if (::fstatat(::dirfd(directory), entry.d_name, &status, 0) != 0) {
         return kFileAttributeNormal;
@@ -158,9 +183,10 @@ bool inspectFileTimes(const char *path, FileTimes &times) {
     if (!file.isOpen()) {
         return false;
     }
+    const StatusTimes status = statusTimes(file.status());
     times.creation = creationTicks(file);
-    times.lastAccess = ticksSince1601(file.status().st_atim);
-    times.lastWrite = ticksSince1601(file.status().st_mtim);
+    times.lastAccess = status.access;
+    times.lastWrite = status.modification;
     return true;
 }
 

@@ -9,7 +9,12 @@ namespace tarn {
 namespace platform {
 
 int processorCount() {
+#if defined(_SC_NPROCESSORS_ONLN)
     const long count = ::sysconf(_SC_NPROCESSORS_ONLN);
+#else
+    // A system without the query (it is not in POSIX, though nearly every one has it).
+    const long count = 1;
+#endif
     if (count < 1) {
         return 1;
     }

@@ -27,6 +27,10 @@ int formatBounded(char *buffer, std::size_t capacity, const char *format, va_lis
     return written;
 }
 
+const char *textLineEnd() {
+    return "\n";
+}
+
 void writeDefaultDebugText(const char *text) {
     // One write call per text, so that texts from several threads do not interleave mid-line.
     std::size_t remaining = std::strlen(text);

@@ -24,6 +24,10 @@ int formatBounded(char *buffer, std::size_t capacity, const char *format, va_lis
     return written;
 }
 
+const char *textLineEnd() {
+    return "\r\n";
+}
+
 void writeDefaultDebugText(const char *text) {
     ::OutputDebugStringA(text);
 }
