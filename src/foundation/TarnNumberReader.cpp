@@ -2,6 +2,7 @@
 #include "foundation/TarnNumberReader.h"
 
 #include "foundation/TarnAsciiBytes.h"
+#include "foundation/TarnExactDecimal.h"
 
 #include <charconv>
 #include <limits>
@@ -175,6 +176,12 @@ IntegerRead readHexadecimal(const char *first, const char *last, bool signAllowe
 }
 
 RealRead<double> readDouble(const char *first, const char *last) {
+    // The exponent form that archives hold has an exact integer path; the rest goes by from_chars.
+    double value = 0.0;
+    const char *const end = readShortScientific(first, last, value);
+    if (end != nullptr) {
+        return {end, ReadStatus::exact, value};
+    }
     return readReal<double>(first, last);
 }
 

@@ -2,6 +2,7 @@
 #include "serialization/TarnNumberText.h"
 
 #include "foundation/TarnNumberReader.h"
+#include "serialization/TarnScientificDigits.h"
 
 #include <charconv>
 
@@ -11,6 +12,11 @@ namespace numbertext {
 namespace nr = tarn::numberreader;
 
 char *writeScientific(char *out, double value, int precision) {
+    // Moderate values take the exact 128-bit path; every other value the general formatter.
+    char *const end = writeScientificFast(out, value, precision);
+    if (end != nullptr) {
+        return end;
+    }
     return std::to_chars(out, out + kMaxScientificLength, value, std::chars_format::scientific, precision)
         .ptr;
 }

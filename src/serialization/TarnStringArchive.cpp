@@ -10,6 +10,10 @@
 #include <utility>
 #include <vector>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace {
 
 constexpr std::size_t kInitialTokenBufferLength = 100;
@@ -25,6 +29,26 @@ bool isStructural(char byte) {
     return byte == '{' || byte == '}' || byte == ';';
 }
 
+#if defined(__SSE2__)
+// Skips the 16-byte blocks from `position` that hold no structural byte: three compares and one
+// mask test per block. SSE2 is part of every x86-64 processor.
+std::int64_t skipPlainBlocks(const char *bytes, std::int64_t position, std::int64_t length) {
+    const __m128i open = _mm_set1_epi8('{');
+    const __m128i close = _mm_set1_epi8('}');
+    const __m128i end = _mm_set1_epi8(';');
+    while (length - position >= 16) {
+        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i *>(bytes + position));
+        const __m128i hits =
+            _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(block, open), _mm_cmpeq_epi8(block, close)),
+                         _mm_cmpeq_epi8(block, end));
+        if (_mm_movemask_epi8(hits) != 0) {
+            break;
+        }
+        position += 16;
+    }
+    return position;
+}
+#else
 // Eight bytes at a time, as one unsigned word.
 using Word = std::uint64_t;
 constexpr Word kOnes = ~Word(0) / 0xFF; // 0x0101...01
@@ -36,10 +60,8 @@ bool hasZeroByte(Word word) {
     return ((word - kOnes) & ~word & kHighs) != 0;
 }
 
-// Returns the position of the first structural byte at or after `position`, or `length`. Words
-// without one are skipped whole; a word that may hold one is looked at byte by byte. A long
-// token text (the values of a large block of numbers) is passed over at several bytes per step.
-std::int64_t findStructural(const char *bytes, std::int64_t position, std::int64_t length) {
+// Skips the words from `position` that hold no structural byte, eight bytes at a time.
+std::int64_t skipPlainBlocks(const char *bytes, std::int64_t position, std::int64_t length) {
     while (length - position >= static_cast<std::int64_t>(sizeof(Word))) {
         Word word;
         std::memcpy(&word, bytes + position, sizeof word);
@@ -49,11 +71,43 @@ std::int64_t findStructural(const char *bytes, std::int64_t position, std::int64
         }
         position += static_cast<std::int64_t>(sizeof(Word));
     }
+    return position;
+}
+#endif
+
+// Returns the position of the first structural byte at or after `position`, or `length`. Blocks
+// without one are skipped whole; a block that holds one is looked at byte by byte. A long token
+// text (the values of a large block of numbers) is passed over at many bytes per step.
+std::int64_t findStructural(const char *bytes, std::int64_t position, std::int64_t length) {
+    position = skipPlainBlocks(bytes, position, length);
     while (position < length && !isStructural(bytes[position])) {
         ++position;
     }
     return position;
 }
+
+// Makes the token buffer take `length` bytes and the NUL, losing its contents. The new bytes are
+// not cleared: the parser writes what it keeps there, and a large buffer costs no page until then.
+void reserveTokenBuffer(char *&buffer, std::size_t &bufferLength, std::size_t length) {
+    char *larger = new char[length + 1];
+    larger[0] = '\0';
+    delete[] buffer;
+    buffer = larger;
+    bufferLength = length;
+}
+
+// Puts a NUL at `index` of `text` for its own lifetime, then the byte that stood there.
+class TerminatedAt {
+public:
+    TerminatedAt(TarnString &text, std::size_t index) : at(text.data() + index), saved(*at) { *at = '\0'; }
+    TerminatedAt(const TerminatedAt &) = delete;
+    TerminatedAt &operator=(const TerminatedAt &) = delete;
+    ~TerminatedAt() { *at = saved; }
+
+private:
+    char *at;
+    char saved;
+};
 
 } // namespace
 
@@ -104,18 +158,19 @@ void TarnStringArchive::verifyTokenStringLength(int length) {
     }
 }
 
-void TarnStringArchive::addBufferedToken(TarnArchive &section, std::size_t length) {
+void TarnStringArchive::addTextToken(TarnArchive &section, std::size_t start, std::size_t length) {
     // The first "=" ends the name, unless it stands at index 0: then it splits nothing, the name
     // is the whole text and the value the text behind the "=". A text without "=" is a name with
     // an empty value. Name and value end at a NUL byte, as texts do.
-    const char *token = tokenBuffer;
+    char *const token = text.data() + start;
     const void *found = std::memchr(token, '=', length);
     const std::size_t equals =
         found != nullptr ? static_cast<std::size_t>(static_cast<const char *>(found) - token) : length;
-    std::size_t nameLength = equals >= 1 ? equals : length;
-    std::size_t valueStart = equals < length ? equals + 1 : length;
-    nameLength = boundedLength(token, nameLength);
-    // The value runs from valueStart to the first NUL, at the latest the one behind the text.
+    const std::size_t nameLength = boundedLength(token, equals >= 1 ? equals : length);
+    const std::size_t valueStart = equals < length ? equals + 1 : length;
+    // The value is read in place: the delimiter behind the token stands in for its NUL while
+    // the token copies it, and is put back even if the copy throws.
+    const TerminatedAt terminated(text, start + length);
     TarnToken value;
     value.setValue(token + valueStart);
     section.getTokens().try_emplace(TarnString(std::string(token, nameLength)), std::move(value));
@@ -130,6 +185,8 @@ void TarnStringArchive::parseSection(TarnArchive &section) {
     // rest of the text is ignored. Text that ends inside a section simply ends the parse.
     std::vector<TarnArchive *> open{&section};
     const char *const bytes = text.data();
+    const char *lastToken = nullptr;
+    std::size_t lastTokenLength = 0;
     const auto length = static_cast<std::int64_t>(text.size());
     while (position < length && !open.empty()) {
         const char byte = bytes[position];
@@ -154,20 +211,25 @@ void TarnStringArchive::parseSection(TarnArchive &section) {
         } else if (byte == ';') {
             const auto tokenLength = static_cast<std::size_t>(position - lastDelimiter - 1);
             if (tokenLength > tokenBufferLength) {
-                growTokenBuffer(tokenLength);
+                reserveTokenBuffer(tokenBuffer, tokenBufferLength, tokenLength);
             }
-            std::memcpy(tokenBuffer, bytes + lastDelimiter + 1, tokenLength);
-            tokenBuffer[tokenLength] = '\0';
-            addBufferedToken(*open.back(), tokenLength);
+            addTextToken(*open.back(), static_cast<std::size_t>(lastDelimiter + 1), tokenLength);
+            lastToken = bytes + lastDelimiter + 1;
+            lastTokenLength = tokenLength;
             lastDelimiter = position++;
         } else {
             // Any other byte belongs to a name or a token text: skip the whole run at once.
             position = findStructural(bytes, position + 1, length);
         }
     }
+    // Tokens are read in place; the buffer, sized for the longest of them, keeps the last one.
+    if (lastToken != nullptr) {
+        std::memcpy(tokenBuffer, lastToken, lastTokenLength);
+        tokenBuffer[lastTokenLength] = '\0';
+    }
 }
-
 void TarnStringArchive::appendSection(TarnArchive &section) {
+    text.reserve(text.size() + tarn::sectionTextLength(section));
     tarn::walkSections(
         section,
         [this](TarnArchive &node) {

@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <string>
@@ -155,6 +156,51 @@ TEST(TarnNumberReaderTest, ARangeEndsTheNumberWhateverFollowsInMemory) {
     EXPECT_EQ(nr::readDecimal(text.data(), text.data() + 2).magnitude, 12u);
     EXPECT_EQ(nr::readHexadecimal(text.data() + 9, text.data() + 12, false).magnitude, 0x1u);
     EXPECT_EQ(nr::readDouble(text.data() + 9, text.data() + 14).value, 31.0); // "0x1fp" ends before p
+}
+
+} // namespace
+
+namespace {
+
+// Texts of the short exponent form that the exact integer path reads: ties between two doubles
+// (integers past 2^53, with trailing zeros so that the first estimate lands on the odd side of
+// the tie), texts one digit either side of them, the ends of the decimal scale it
+// takes, and values at the bottom of a binade. Each must give strtod's bits and end.
+TEST(TarnNumberReaderTest, ShortExponentFormRoundsAsStrtodAtTiesAndBinadeEnds) {
+    const char *const texts[] = {
+        "9.0071992547409930e+15",
+        "9.00719925474099300e+15",
+        "9.00719925474099500e+15",
+        "9.0071992547409950e+15",
+        "9.007199254740993e+15",
+        "9.007199254740995e+15",
+        "9.0071992547409931e+15",
+        "9.0071992547409929e+15",
+        "1.8014398509481986e+16",
+        "1.8014398509481990e+16",
+        "4.503599627370496e+15",
+        "4.5035996273704965e+15",
+        "1.000000000000000000e-22",
+        "9.999999999999999999e-05",
+        "1.0e0",
+        "-2.5e+1",
+        "1.7976931348623157e+3",
+        "2.2250738585072014e-10",
+        "1.000000000000000111e+00",
+        "1.000000000000000110e+00",
+        "9.999999999999999999e+18",
+        "1.5e+19",
+        "1.5e-23",
+        "1.5ex",
+    };
+    for (const char *text : texts) {
+        const std::string copy(text);
+        char *strtodEnd = nullptr;
+        const double expected = std::strtod(copy.c_str(), &strtodEnd);
+        const nr::RealRead<double> read = nr::readDouble(copy.data(), copy.data() + copy.size());
+        EXPECT_EQ(std::memcmp(&read.value, &expected, sizeof expected), 0) << text;
+        EXPECT_EQ(read.end, strtodEnd) << text;
+    }
 }
 
 } // namespace
