@@ -2,6 +2,7 @@
 #include "tarn/linalg/TarnMatrix.h"
 
 #include "linalg/TarnMatrixKernels.h"
+#include "linalg/TarnMatrixStorage.h"
 #include "linalg/TarnMatrixText.h"
 #include "tarn/linalg/TarnMath.h"
 
@@ -74,18 +75,19 @@ void TarnMatrix::serializeRestore(TarnArchive &archive) {
 }
 
 void TarnMatrix::resize(int rows, int cols) {
-    delete[] elements;
-    delete[] rowTable;
-    elements = nullptr;
-    rowTable = nullptr;
-    // Negative counts are outside the contract; taking them as 0 keeps every loop in bounds.
-    this->rows = std::max(rows, 0);
-    this->cols = std::max(cols, 0);
-    elements = new double[elementCount(this->rows, this->cols)]();
-    rowTable = new double *[static_cast<std::size_t>(this->rows)];
-    for (std::int32_t i = 0; i < this->rows; ++i) {
-        rowTable[i] = elements + elementCount(i, this->cols);
+    // Negative counts are outside the contract; taking them as 0 keeps every loop in bounds. Both
+    // arrays are made before anything of the matrix changes: when an allocation throws, the
+    // matrix keeps its shape and its elements.
+    const std::int32_t newRows = std::max(rows, 0);
+    const std::int32_t newCols = std::max(cols, 0);
+    tarn::linalg::MatrixArrays arrays = tarn::linalg::allocateArrays(
+        static_cast<std::uint64_t>(newRows) * static_cast<std::uint64_t>(newCols), newRows);
+    for (std::int32_t i = 0; i < newRows; ++i) {
+        arrays.rowTable[i] = arrays.elements.get() + elementCount(i, newCols);
     }
+    arrays.commit(elements, rowTable);
+    this->rows = newRows;
+    this->cols = newCols;
 }
 
 void TarnMatrix::copy(const TarnMatrix &other) {

@@ -1,6 +1,7 @@
 // The packed symmetric matrix and its upper and lower triangular forms.
 #include "tarn/linalg/TarnSymmetricMatrix.h"
 
+#include "linalg/TarnMatrixStorage.h"
 #include "linalg/TarnMatrixText.h"
 #include "tarn/linalg/TarnLowerTriangularMatrix.h"
 #include "tarn/linalg/TarnMath.h"
@@ -70,21 +71,20 @@ void TarnSymmetricMatrix::resize(int rows, int cols) {
     if (rows != cols) {
         return;
     }
-    delete[] elements;
-    delete[] rowTable;
-    elements = nullptr;
-    rowTable = nullptr;
-    // A negative order is outside the contract; taking it as 0 keeps every loop in bounds.
+    // A negative order is outside the contract; taking it as 0 keeps every loop in bounds. Both
+    // arrays are made before anything of the matrix changes: when an allocation throws, the
+    // matrix keeps its order and its elements.
     const std::int32_t order = std::max(rows, 0);
-    this->rows = order;
-    this->cols = order;
-    elements = new double[packedCount(order)]();
-    rowTable = new double *[static_cast<std::size_t>(order)];
-    double *rowStart = elements;
+    const auto wide = static_cast<std::uint64_t>(order);
+    tarn::linalg::MatrixArrays arrays = tarn::linalg::allocateArrays(wide * (wide + 1) / 2, order);
+    double *rowStart = arrays.elements.get();
     for (std::int32_t i = 0; i < order; ++i) {
-        rowTable[i] = rowStart;
+        arrays.rowTable[i] = rowStart;
         rowStart += isUpperStorage() ? order - i : i + 1;
     }
+    arrays.commit(elements, rowTable);
+    this->rows = order;
+    this->cols = order;
 }
 
 bool TarnSymmetricMatrix::operator==(const TarnSymmetricMatrix &other) const {

@@ -1,10 +1,15 @@
 // TarnArchive: the archive tree node, its token lookups and its non-recursive destruction.
 #include "tarn/serialization/TarnArchive.h"
 
+#include "serialization/TarnParsedTokens.h"
+#include "serialization/TarnTokenText.h"
+
+#include <cstring>
+#include <string>
 #include <utility>
 #include <vector>
 
-TarnArchive::TarnArchive() : parent(nullptr) {}
+TarnArchive::TarnArchive() : parent(nullptr), parsedTokens(nullptr) {}
 
 TarnArchive::~TarnArchive() {
     // Take the subtree apart with a work list instead of letting each child's destructor destroy
@@ -19,6 +24,7 @@ TarnArchive::~TarnArchive() {
         node->children.std::vector<TarnArchive *>::clear();
         delete node;
     }
+    tarn::parsed::release(parsedTokens);
 }
 
 TarnArchive &TarnArchive::getParent() {
@@ -45,6 +51,7 @@ TarnArchive &TarnArchive::addChild() {
 }
 
 void TarnArchive::addToken(const char *tokenName, const TarnToken &token) {
+    moveParsedTokens();
     // try_emplace leaves the map as it was when the name is present: the first value stays.
     tokens.try_emplace(TarnString(tokenName), token);
 }
@@ -62,7 +69,31 @@ void TarnArchive::setName(const char *newName) {
 }
 
 TarnTokenMap &TarnArchive::getTokens() {
+    moveParsedTokens();
     return tokens;
+}
+
+void TarnArchive::moveParsedTokens() {
+    if (parsedTokens == nullptr || tarn::parsed::isMoved(parsedTokens)) {
+        return;
+    }
+    // In block order with try_emplace, so that a repeated name keeps its first value. Should an
+    // insertion throw, the block stays unmoved and a later call inserts the rest.
+    const std::uint32_t count = tarn::parsed::count(parsedTokens);
+    for (std::uint32_t index = 0; index < count; ++index) {
+        TarnToken token;
+        token.setValue(tarn::parsed::valueAt(parsedTokens, index));
+        tokens.try_emplace(TarnString(std::string(tarn::parsed::nameAt(parsedTokens, index))),
+                           std::move(token));
+    }
+    tarn::parsed::markMoved(parsedTokens);
+}
+
+const char *TarnArchive::findParsedText(const char *tokenName) const {
+    if (parsedTokens == nullptr || tarn::parsed::isMoved(parsedTokens)) {
+        return nullptr;
+    }
+    return tarn::parsed::find(parsedTokens, tokenName);
 }
 
 const TarnToken *TarnArchive::findToken(const char *tokenName) const {
@@ -70,34 +101,54 @@ const TarnToken *TarnArchive::findToken(const char *tokenName) const {
     return found != tokens.end() ? &found->second : nullptr;
 }
 
+// A compact token is read by the reading rules of TarnToken: a pointer or an int in place, the
+// doubles through a token holding the text.
+
 const char *TarnArchive::getTokenText(const char *tokenName) {
+    if (const char *text = findParsedText(tokenName)) {
+        return text;
+    }
     const TarnToken *token = findToken(tokenName);
     return token != nullptr ? token->getValue() : "";
 }
 
 TarnSerializable *TarnArchive::getTokenPointer(const char *tokenName) {
+    if (const char *text = findParsedText(tokenName)) {
+        return tarn::readTokenPointer(text, std::strlen(text));
+    }
     const TarnToken *token = findToken(tokenName);
     return token != nullptr ? token->getPointerValue() : nullptr;
 }
 
 int TarnArchive::getTokenInt(const char *tokenName) {
+    if (const char *text = findParsedText(tokenName)) {
+        return tarn::readTokenInt(text, std::strlen(text));
+    }
     const TarnToken *token = findToken(tokenName);
     return token != nullptr ? token->getIntValue() : 0;
 }
 
 void TarnArchive::getTokenDoubles(const char *tokenName, double *values, unsigned int count) {
+    if (const char *text = findParsedText(tokenName)) {
+        TarnToken token;
+        token.setValue(text);
+        token.getDoubles(values, count);
+        return;
+    }
     if (const TarnToken *token = findToken(tokenName)) {
         token->getDoubles(values, count);
     }
 }
 
 void TarnArchive::addIntToken(const char *tokenName, int value) {
+    moveParsedTokens();
     TarnToken token;
     token.setValue(value);
     tokens.try_emplace(TarnString(tokenName), std::move(token));
 }
 
 void TarnArchive::addDoublesToken(const char *tokenName, const double *values, unsigned int count) {
+    moveParsedTokens();
     TarnToken token;
     token.setValue(values, count);
     tokens.try_emplace(TarnString(tokenName), std::move(token));

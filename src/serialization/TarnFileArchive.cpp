@@ -91,23 +91,24 @@ void TarnFileArchive::writeSection(TarnArchive &section) {
         return;
     }
     // Each section is its head and "{" lines, one line per token with one more tab, its children
-    // one level deeper, and its "}" line. The indentation starts at the current section depth,
-    // and at none while that is negative (after a parse of a text with surplus "}").
+    // one level deeper, and its "}" line. A section's indentation is the current section depth,
+    // and none while that is negative (after a parse of a text with surplus "}"); a token line
+    // always has one tab more than its section.
     TarnString line;
-    auto startLine = [&line](std::int64_t depth) {
-        line.assign(static_cast<std::size_t>(std::max<std::int64_t>(depth, 0)), '\t');
+    auto startLine = [&line](std::int64_t depth, std::size_t extra) {
+        line.assign(static_cast<std::size_t>(std::max<std::int64_t>(depth, 0)) + extra, '\t');
     };
     tarn::walkSections(
         section,
         [&](TarnArchive &node) {
-            startLine(sectionDepth);
+            startLine(sectionDepth, 0);
             line += node.getName();
             textFile->writeLine(line);
-            startLine(sectionDepth);
+            startLine(sectionDepth, 0);
             line += '{';
             textFile->writeLine(line);
             for (auto &entry : node.getTokens()) {
-                startLine(sectionDepth + 1);
+                startLine(sectionDepth, 1);
                 tarn::appendTokenText(line, entry.first, entry.second);
                 textFile->writeLine(line);
             }
@@ -115,7 +116,7 @@ void TarnFileArchive::writeSection(TarnArchive &section) {
         },
         [&](TarnArchive &) {
             --sectionDepth;
-            startLine(sectionDepth);
+            startLine(sectionDepth, 0);
             line += '}';
             textFile->writeLine(line);
         });

@@ -8,11 +8,15 @@ int TarnSerializable::restoreCount = 0;
 
 namespace tarn {
 
+HandleTableGuard::~HandleTableGuard() {
+    table.reset();
+}
+
 void runRestoreSequence(TarnSerializable &object, TarnArchive &root) {
+    const HandleTableGuard guard(TarnSerializable::handleManager);
     object.serializeRestore(root);
     object.reconnectPointers();
     object.resetPointers();
-    TarnSerializable::handleManager.reset();
 }
 
 } // namespace tarn

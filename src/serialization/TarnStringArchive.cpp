@@ -1,12 +1,14 @@
 // TarnStringArchive: the section parser, the string writer and the text inspections.
 #include "tarn/serialization/TarnStringArchive.h"
 
+#include "serialization/TarnParsedTokens.h"
 #include "serialization/TarnRestoreSequence.h"
 #include "serialization/TarnSectionWalk.h"
 #include "tarn/serialization/TarnSerializable.h"
 
 #include <cstdint>
 #include <cstring>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -22,6 +24,36 @@ constexpr std::size_t kInitialTokenBufferLength = 100;
 std::size_t boundedLength(const char *text, std::size_t limit) {
     const void *nul = std::memchr(text, '\0', limit);
     return nul != nullptr ? static_cast<std::size_t>(static_cast<const char *>(nul) - text) : limit;
+}
+
+// Splits the `length` bytes of one token's text into name and value. The first "=" ends the name,
+// unless it stands at index 0: then it splits nothing, the name is the whole text and the value
+// the text behind the "=". A text without "=" is a name with an empty value. Name and value end
+// at a NUL byte, as texts do.
+tarn::parsed::Span splitToken(const char *token, std::size_t length) {
+    std::size_t equals = length;
+    bool hasNul = true;
+    if (length <= 64) {
+        // A short token (most of them) is looked at in one plain loop instead of three searches.
+        hasNul = false;
+        for (std::size_t at = 0; at < length; ++at) {
+            if (token[at] == '=' && equals == length) {
+                equals = at;
+            }
+            hasNul = hasNul || token[at] == '\0';
+        }
+    } else {
+        const void *found = std::memchr(token, '=', length);
+        equals =
+            found != nullptr ? static_cast<std::size_t>(static_cast<const char *>(found) - token) : length;
+    }
+    const std::size_t nameEnd = equals >= 1 ? equals : length;
+    const std::size_t valueStart = equals < length ? equals + 1 : length;
+    if (!hasNul) {
+        return tarn::parsed::Span{token, nameEnd, token + valueStart, length - valueStart};
+    }
+    return tarn::parsed::Span{token, boundedLength(token, nameEnd), token + valueStart,
+                              boundedLength(token + valueStart, length - valueStart)};
 }
 
 // True for the three bytes that carry the structure of the text.
@@ -96,10 +128,10 @@ void reserveTokenBuffer(char *&buffer, std::size_t &bufferLength, std::size_t le
     bufferLength = length;
 }
 
-// Puts a NUL at `index` of `text` for its own lifetime, then the byte that stood there.
+// Puts a NUL at `at` for its own lifetime, then the byte that stood there.
 class TerminatedAt {
 public:
-    TerminatedAt(TarnString &text, std::size_t index) : at(text.data() + index), saved(*at) { *at = '\0'; }
+    explicit TerminatedAt(char *place) : at(place), saved(*place) { *at = '\0'; }
     TerminatedAt(const TerminatedAt &) = delete;
     TerminatedAt &operator=(const TerminatedAt &) = delete;
     ~TerminatedAt() { *at = saved; }
@@ -109,7 +141,25 @@ private:
     char saved;
 };
 
+// Adds `token`, whose bytes lie in `text`, to the map of `section`. The value is read in place:
+// the byte behind it (the ";" or a NUL) stands in for its NUL while the token copies it, and is
+// put back even if the copy throws. A repeated name keeps its first value.
+void addTokenInPlace(TarnArchive &section, TarnString &text, const tarn::parsed::Span &token) {
+    char *const valueEnd = text.data() + (token.value - text.data()) + token.valueLength;
+    const TerminatedAt terminated(valueEnd);
+    TarnToken value;
+    value.setValue(token.value);
+    section.getTokens().try_emplace(TarnString(std::string(token.name, token.nameLength)), std::move(value));
+}
+
 } // namespace
+
+// A run of a few short tokens into a node without tokens becomes one compact block when the run
+// ends; any other run goes token by token into the node's map.
+struct TarnStringArchive::TokenRun {
+    std::vector<tarn::parsed::Span> spans;
+    bool intoMap = false;
+};
 
 TarnStringArchive::TarnStringArchive()
     : position(0), lastDelimiter(-1), sectionDepth(0), firstSection(true),
@@ -158,22 +208,39 @@ void TarnStringArchive::verifyTokenStringLength(int length) {
     }
 }
 
-void TarnStringArchive::addTextToken(TarnArchive &section, std::size_t start, std::size_t length) {
-    // The first "=" ends the name, unless it stands at index 0: then it splits nothing, the name
-    // is the whole text and the value the text behind the "=". A text without "=" is a name with
-    // an empty value. Name and value end at a NUL byte, as texts do.
-    char *const token = text.data() + start;
-    const void *found = std::memchr(token, '=', length);
-    const std::size_t equals =
-        found != nullptr ? static_cast<std::size_t>(static_cast<const char *>(found) - token) : length;
-    const std::size_t nameLength = boundedLength(token, equals >= 1 ? equals : length);
-    const std::size_t valueStart = equals < length ? equals + 1 : length;
-    // The value is read in place: the delimiter behind the token stands in for its NUL while
-    // the token copies it, and is put back even if the copy throws.
-    const TerminatedAt terminated(text, start + length);
-    TarnToken value;
-    value.setValue(token + valueStart);
-    section.getTokens().try_emplace(TarnString(std::string(token, nameLength)), std::move(value));
+void TarnStringArchive::addParsedToken(TarnArchive &section, TokenRun &run, std::size_t length) {
+    const tarn::parsed::Span token = splitToken(text.data() + lastDelimiter + 1, length);
+    if (!run.intoMap && run.spans.size() < tarn::parsed::kMaxSpans && tarn::parsed::fitsBlock(token) &&
+        section.parsedTokens == nullptr && section.tokens.empty()) {
+        run.spans.push_back(token);
+        return;
+    }
+    if (!run.intoMap) {
+        // The run no longer fits a block: what it holds so far goes into the map first, in order.
+        section.moveParsedTokens();
+        for (const tarn::parsed::Span &earlier : run.spans) {
+            TarnToken value;
+            value.setValue(std::string(earlier.value, earlier.valueLength).c_str());
+            section.tokens.try_emplace(TarnString(std::string(earlier.name, earlier.nameLength)),
+                                       std::move(value));
+        }
+        run.spans.clear();
+        run.intoMap = true;
+    }
+    addTokenInPlace(section, text, token);
+}
+
+void TarnStringArchive::bufferToken(std::int64_t start, std::size_t length) {
+    std::memcpy(tokenBuffer, text.data() + start, length);
+    tokenBuffer[length] = '\0';
+}
+
+void TarnStringArchive::endTokenRun(TarnArchive &section, TokenRun &run) {
+    if (!run.spans.empty()) {
+        section.parsedTokens = tarn::parsed::makeBlock(run.spans.data(), run.spans.size());
+        run.spans.clear();
+    }
+    run.intoMap = false;
 }
 
 void TarnStringArchive::parseSection(TarnArchive &section) {
@@ -184,17 +251,18 @@ void TarnStringArchive::parseSection(TarnArchive &section) {
     // open section, a "}" closes it; when the last open section closes, the parse ends and the
     // rest of the text is ignored. Text that ends inside a section simply ends the parse.
     std::vector<TarnArchive *> open{&section};
-    const char *const bytes = text.data();
-    const char *lastToken = nullptr;
+    TokenRun run;
+    std::int64_t lastToken = -1; // start of the last token's text
     std::size_t lastTokenLength = 0;
+    const char *const bytes = text.data();
     const auto length = static_cast<std::int64_t>(text.size());
     while (position < length && !open.empty()) {
         const char byte = bytes[position];
         if (byte == '{') {
+            endTokenRun(*open.back(), run);
             ++sectionDepth;
             const char *nameStart = bytes + lastDelimiter + 1;
-            const TarnString sectionName(
-                std::string(nameStart, static_cast<std::size_t>(position - lastDelimiter - 1)));
+            const auto nameLength = static_cast<std::size_t>(position - lastDelimiter - 1);
             lastDelimiter = position++;
             TarnArchive *target = open.back();
             if (firstSection) {
@@ -202,9 +270,10 @@ void TarnStringArchive::parseSection(TarnArchive &section) {
             } else {
                 target = &target->addChild();
             }
-            target->setName(sectionName);
+            target->getName().assign(nameStart, nameLength);
             open.push_back(target);
         } else if (byte == '}') {
+            endTokenRun(*open.back(), run);
             --sectionDepth;
             lastDelimiter = position++;
             open.pop_back();
@@ -213,8 +282,8 @@ void TarnStringArchive::parseSection(TarnArchive &section) {
             if (tokenLength > tokenBufferLength) {
                 reserveTokenBuffer(tokenBuffer, tokenBufferLength, tokenLength);
             }
-            addTextToken(*open.back(), static_cast<std::size_t>(lastDelimiter + 1), tokenLength);
-            lastToken = bytes + lastDelimiter + 1;
+            addParsedToken(*open.back(), run, tokenLength);
+            lastToken = lastDelimiter + 1;
             lastTokenLength = tokenLength;
             lastDelimiter = position++;
         } else {
@@ -222,12 +291,16 @@ void TarnStringArchive::parseSection(TarnArchive &section) {
             position = findStructural(bytes, position + 1, length);
         }
     }
-    // Tokens are read in place; the buffer, sized for the longest of them, keeps the last one.
-    if (lastToken != nullptr) {
-        std::memcpy(tokenBuffer, lastToken, lastTokenLength);
-        tokenBuffer[lastTokenLength] = '\0';
+    if (!open.empty()) {
+        endTokenRun(*open.back(), run);
+    }
+    // The token buffer ends up holding the last token's text, as if every token had passed
+    // through it; only tokens that go into a map need the copy on the way.
+    if (lastToken >= 0) {
+        bufferToken(lastToken, lastTokenLength);
     }
 }
+
 void TarnStringArchive::appendSection(TarnArchive &section) {
     text.reserve(text.size() + tarn::sectionTextLength(section));
     tarn::walkSections(

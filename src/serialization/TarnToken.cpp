@@ -4,6 +4,7 @@
 #include "foundation/TarnAsciiBytes.h"
 #include "foundation/TarnNumberReader.h"
 #include "serialization/TarnNumberText.h"
+#include "serialization/TarnTokenText.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -187,8 +188,14 @@ float TarnToken::getFloatValue() const {
     return static_cast<float>(getDoubleValue());
 }
 
+int tarn::readTokenInt(const char *first, std::size_t length) {
+    std::uint32_t value = 0;
+    nt::readInt32(first, first + length, value);
+    return static_cast<int>(static_cast<std::int32_t>(value));
+}
+
 int TarnToken::getIntValue() const {
-    return static_cast<int>(static_cast<std::int32_t>(leadingInt32(text)));
+    return tarn::readTokenInt(text.data(), text.size());
 }
 
 unsigned long TarnToken::getULongValue() const {
@@ -207,10 +214,14 @@ unsigned char TarnToken::getUCharValue() const {
     return static_cast<unsigned char>(leadingInt32(text) & 0xFFu);
 }
 
-TarnSerializable *TarnToken::getPointerValue() const {
+TarnSerializable *tarn::readTokenPointer(const char *first, std::size_t length) {
     std::uintptr_t address = 0;
-    nt::readPointer(text.data(), textEnd(text), address);
+    nt::readPointer(first, first + length, address);
     return reinterpret_cast<TarnSerializable *>(address);
+}
+
+TarnSerializable *TarnToken::getPointerValue() const {
+    return tarn::readTokenPointer(text.data(), text.size());
 }
 
 void TarnToken::getDoubles(double *values, unsigned int count) const {

@@ -5,6 +5,7 @@
 
 #include <cctype>
 #include <cmath>
+#include <new>
 #include <string>
 
 namespace {
@@ -281,4 +282,35 @@ TEST(TarnMatrixTest, RestoreFromIncompleteNodesLeavesZeros) {
     TarnArchive empty;
     restoreFrom(matrix, empty);
     EXPECT_EQ(matrix.nRows() + matrix.nCols(), 0);
+}
+
+// A resize that cannot allocate (here a size beyond the address space, on 32-bit builds too, where
+// the product of the counts must not wrap) leaves shape and elements as they were.
+TEST(TarnMatrixTest, ResizeThatThrowsKeepsShapeAndElements) {
+    const double data[] = {1, 2, 3, 4, 5, 6};
+    TarnMatrix matrix(data, 2, 3);
+    EXPECT_THROW(matrix.resize(2147483647, 2147483647), std::bad_alloc);
+    ASSERT_EQ(matrix.nRows(), 2);
+    ASSERT_EQ(matrix.nCols(), 3);
+    EXPECT_EQ(valuesOf(matrix), (Values{1, 2, 3, 4, 5, 6}));
+    matrix[1][2] = 7.0; // the arrays are still the matrix's own
+    EXPECT_TRUE(matrix == TarnMatrix(Values{1, 2, 3, 4, 5, 7}.data(), 2, 3));
+}
+
+// A crafted text whose sizes cannot be allocated throws out of the restore, leaves the matrix as
+// it was and the shared table empty: a later restore naming the matrix's stored address as its
+// parent gets a null parent, not the matrix.
+TEST(TarnMatrixTest, RestoreOfAnUnallocatableTextLeavesNothingBehind) {
+    {
+        TarnMatrix matrix(Values{1, 2}.data(), 1, 2);
+        TarnStringArchive archive;
+        const TarnString text("TarnMatrix{cols=2147483647;rows=2147483647;this=0ABCDEF0;}");
+        EXPECT_THROW(archive.serializeRestore(matrix, text), std::bad_alloc);
+        EXPECT_EQ(valuesOf(matrix), (Values{1, 2}));
+    }
+    EXPECT_EQ(TarnSerializable::handleManager.getCount(), 0u);
+    TarnMatrix item;
+    TarnStringArchive archive;
+    archive.serializeRestore(item, TarnString("Item{parent=0ABCDEF0;this=00000100;}"));
+    EXPECT_FALSE(item.hasParent());
 }

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
+
 namespace {
 
 using tarntest::squareOf;
@@ -49,6 +51,16 @@ TEST(TarnSymmetricMatrixTest, UnequalCountsLeaveTheMatrixAsItWas) {
     TarnSymmetricMatrix none(0);
     EXPECT_TRUE(TarnMatrix(4, 0).AtA(none));
     EXPECT_EQ(none.nRows(), 0);
+}
+
+// A resize whose packed block cannot be allocated leaves order and elements as they were.
+TEST(TarnSymmetricMatrixTest, ResizeThatThrowsKeepsOrderAndElements) {
+    TarnSymmetricMatrix matrix(kSix, 3, 3, 1);
+    EXPECT_THROW(matrix.resize(2147483647, 2147483647), std::bad_alloc);
+    ASSERT_EQ(matrix.nRows(), 3);
+    EXPECT_EQ(squareOf(matrix), squareOf(TarnSymmetricMatrix(kSix, 3, 3, 1)));
+    matrix.setElement(2, 2, 1.0);
+    EXPECT_EQ(matrix.getElement(2, 2), 1.0);
 }
 
 TEST(TarnSymmetricMatrixTest, EqualityComparesOrderAndPackedValues) {

@@ -92,6 +92,19 @@ TEST(TarnFileArchiveTest, LayoutAndNonPrintableBytesVanish) {
     EXPECT_EQ(restoredTree(blanks), "Root{    this=1;  parent = 2 ;    Child    {}}");
 }
 
+// A surplus "}" leaves the section depth at -1 after the parse; a later write still indents
+// every token line by one tab more than its section, whose indentation is never below none.
+TEST(TarnFileArchiveTest, WriteAfterSurplusCloseIndentsTokensBelowTheirSection) {
+    ScratchFile source;
+    source.write("Item{this=00000100;Child{x=1;}}}");
+    TarnFileArchive archive;
+    Plain object("Item");
+    ASSERT_TRUE(archive.serializeRestore(object, source.name()));
+    ScratchFile written;
+    archive.writeFile(written.name());
+    EXPECT_EQ(written.read(), testfiles::inTextMode("Item\n{\n\tthis=00000100;\nChild\n{\n\tx=1;\n}\n}\n"));
+}
+
 // A folder opens as a stream on some platforms and reports an absurd size: it must read as empty
 // text, or not open at all, and never make the reader allocate that size.
 TEST(TarnFileArchiveTest, FolderReadsAsEmptyTextOrNotAtAll) {

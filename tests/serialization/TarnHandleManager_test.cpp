@@ -4,9 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <numeric>
 #include <random>
+#include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -69,6 +72,15 @@ TEST(TarnHandleManagerTest, ResetEmptiesPairsButKeepsClassNames) {
     ASSERT_EQ(manager.getClassNames().size(), 3u);
     EXPECT_EQ(std::string(manager.getClassNames()[1]), "Second");
     EXPECT_EQ(std::string(manager.getClassNames()[2]), "");
+    manager.registerPointers(address(0x40), &second);
+    manager.registerPointers(address(0x50), &first);
+    ASSERT_EQ(manager.getClassNames().size(), 5u);
+    EXPECT_EQ(std::string(manager.getClassNames()[3]), "Second");
+    EXPECT_EQ(std::string(manager.getClassNames()[4]), "First");
+    TarnHandleManager copy(manager);
+    EXPECT_EQ(copy.getClassNames().size(), 5u);
+    manager = TarnHandleManager(); // how a long-running program empties the record
+    EXPECT_EQ(manager.getClassNames().size(), 0u);
 }
 
 // Addresses are unsigned: one with the top bit set sorts above every other.
@@ -82,6 +94,73 @@ TEST(TarnHandleManagerTest, TopBitAddressesSortAsUnsigned) {
     }
     for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(manager.getNewPointer(address(olds[i])), &objects[i]);
+    }
+}
+
+// Old addresses chosen so that all of them hash to one slot: the index gives up and lookups still
+// find every pair, by binary search. (The addresses need 64 bits.)
+TEST(TarnHandleManagerTest, AddressesThatCollideInTheIndexAreStillFound) {
+    if (sizeof(void *) < 8) {
+        GTEST_SKIP() << "colliding addresses need 64 bits";
+    }
+    // The inverse of the index's odd multiplier modulo 2^64, by Newton's iteration.
+    const std::uint64_t multiplier = 0x9E3779B97F4A7C15ull;
+    std::uint64_t inverse = multiplier;
+    for (int step = 0; step < 6; ++step) {
+        inverse *= 2 - multiplier * inverse;
+    }
+    std::vector<Plain> objects(200);
+    TarnHandleManager manager;
+    for (std::uint64_t i = 0; i < objects.size(); ++i) {
+        // address x multiplier == i: the top bits, the home slot, are the same for all.
+        manager.registerPointers(address(static_cast<std::uintptr_t>(i * inverse)), &objects[i]);
+    }
+    for (std::uint64_t i = 0; i < objects.size(); ++i) {
+        ASSERT_EQ(manager.getNewPointer(address(static_cast<std::uintptr_t>(i * inverse))), &objects[i]) << i;
+    }
+    EXPECT_EQ(manager.getNewPointer(address(static_cast<std::uintptr_t>(objects.size() * inverse))), nullptr);
+}
+
+// The keys 0 to count - 1 in the order that makes a quicksort around the middle element
+// quadratic: each partition of [first, last] finds the smallest key left at its middle, swaps it
+// to the front and goes on with [first + 1, last]. Built by running that sequence of swaps on
+// the positions.
+std::vector<std::size_t> middlePivotKillerOrder(std::size_t count) {
+    std::vector<std::size_t> positions(count);
+    std::iota(positions.begin(), positions.end(), 0);
+    std::vector<std::size_t> keys(count);
+    for (std::size_t first = 0; first < count; ++first) {
+        const std::size_t middle = first + (count - 1 - first) / 2;
+        keys[positions[middle]] = first;
+        std::swap(positions[first], positions[middle]);
+    }
+    return keys;
+}
+
+// A text that registers 100,000 objects in that order restores in bounded time (a plain
+// middle-pivot quicksort takes tens of seconds), and every stored pointer still finds its object.
+TEST(TarnHandleManagerTest, HostileAddressOrderRestoresInBoundedTime) {
+    const std::size_t parts = 100000;
+    const std::vector<std::size_t> keys = middlePivotKillerOrder(parts + 1);
+    auto addressText = [&keys](std::size_t index) {
+        return testobjects::pointerText(address(16 * (keys[index] + 1)));
+    };
+    std::string text = "Probe{parent=" + testobjects::pointerText(nullptr) + ";this=" + addressText(0) + ";";
+    for (std::size_t part = 1; part <= parts; ++part) {
+        text += "Probe{parent=" + addressText(0) + ";partner=" + addressText(part % parts + 1) +
+                ";this=" + addressText(part) + ";}";
+    }
+    text += "}";
+    testobjects::Probe root;
+    TarnStringArchive archive;
+    const auto start = std::chrono::steady_clock::now();
+    archive.serializeRestore(root, TarnString(text));
+    const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
+    EXPECT_LT(seconds.count(), 20.0);
+    ASSERT_EQ(root.parts.size(), parts);
+    for (unsigned part = 0; part < parts; ++part) {
+        ASSERT_EQ(root.parts[part].rawParent(), &root) << part;
+        ASSERT_EQ(root.parts[part].partner, &root.parts[(part + 1) % parts]) << part;
     }
 }
 

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <new>
 #include <string>
 
 namespace {
@@ -186,6 +187,68 @@ TEST(TarnSerializableTest, HugeChainOfAMillionContainedObjectsStoresAndRestores)
     }
     EXPECT_EQ(count, length);
     EXPECT_EQ(TarnSerializable::handleManager.getCount(), 0u);
+}
+
+// The step of a restore at which a Thrower fails.
+enum class FailingStep { Restore, Reconnect, Reset };
+
+// A Probe that throws std::bad_alloc in one step of the restore sequence, after its base restore
+// step has registered it, as an allocation failure inside a class's own step would.
+class Thrower : public Probe {
+public:
+    explicit Thrower(FailingStep step) : step(step) {}
+    void serializeRestore(TarnArchive &archive) override {
+        Probe::serializeRestore(archive);
+        failAt(FailingStep::Restore);
+    }
+    void reconnectPointers() override {
+        Probe::reconnectPointers();
+        failAt(FailingStep::Reconnect);
+    }
+    void resetPointers() override {
+        Probe::resetPointers();
+        failAt(FailingStep::Reset);
+    }
+
+private:
+    void failAt(FailingStep at) const {
+        if (at == step) {
+            throw std::bad_alloc();
+        }
+    }
+    FailingStep step;
+};
+
+// After a failed restore the table must be empty: a later restore whose "parent" text names an
+// object of the failed one must not be reconnected to it (the object may be destroyed by then).
+void expectNothingOfTheFailedRestoreReachable() {
+    EXPECT_EQ(TarnSerializable::handleManager.getCount(), 0u);
+    Plain item("Item");
+    TarnStringArchive archive;
+    archive.serializeRestore(item, TarnString("Item{parent=0ABCDEF0;this=00000100;}"));
+    EXPECT_FALSE(item.hasParent());
+}
+
+// Whatever step throws, through a string restore and through clone, the exception reaches the
+// caller and the shared table is empty afterwards.
+TEST(TarnSerializableTest, ThrowingRestoreStepLeavesTheTableEmpty) {
+    const TarnString text("Probe{parent=00000000;this=0ABCDEF0;Probe{parent=0ABCDEF0;this=0ABCDEF8;}}");
+    for (FailingStep step : {FailingStep::Restore, FailingStep::Reconnect, FailingStep::Reset}) {
+        SCOPED_TRACE(static_cast<int>(step));
+        {
+            auto failed = std::make_unique<Thrower>(step);
+            TarnStringArchive archive;
+            EXPECT_THROW(archive.serializeRestore(*failed, text), std::bad_alloc);
+        }
+        expectNothingOfTheFailedRestoreReachable();
+        {
+            Probe source;
+            source.addPart();
+            auto failed = std::make_unique<Thrower>(step);
+            EXPECT_THROW(failed->clone(source), std::bad_alloc);
+        }
+        EXPECT_EQ(TarnSerializable::handleManager.getCount(), 0u);
+    }
 }
 
 } // namespace

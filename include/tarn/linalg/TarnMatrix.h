@@ -56,7 +56,10 @@ public:
     bool isModified() override;
 
     /// Reallocates to rows x cols and sets every element to 0.0; former contents are always lost,
-    /// even when the shape does not change. A negative count is taken as 0.
+    /// even when the shape does not change. A negative count is taken as 0. Strong guarantee: the
+    /// new arrays are allocated before the old ones are released, so when the allocation throws
+    /// (std::bad_alloc, also for a size beyond the address space) the matrix keeps its shape and
+    /// elements, as if the call had not been made.
     void resize(int rows, int cols);
     /// Resizes to `other`'s shape and copies its elements. Copying a matrix onto itself changes
     /// nothing.

@@ -65,7 +65,9 @@ public:
     virtual void setElement(int row, int col, double value);
 
     /// Reallocates to order rows with all elements 0.0; does nothing at all when rows differs
-    /// from cols. A negative order is taken as 0.
+    /// from cols. A negative order is taken as 0. Strong guarantee: when the allocation throws
+    /// (std::bad_alloc, also for a size beyond the address space), the matrix keeps its order and
+    /// elements, as if the call had not been made.
     void resize(int rows, int cols);
 
     /// Returns the order.

@@ -7,6 +7,7 @@
 #include "tarn/foundation/TarnVector.h"
 #include "tarn/serialization/TarnToken.h"
 
+#include <cstdint>
 #include <map>
 #include <string_view>
 
@@ -85,10 +86,24 @@ public:
 protected:
     TarnArchive *parent;              ///< The node holding this one as a child; null at a root. Not owned.
     TarnVector<TarnArchive> children; ///< The child sections in the order they were added; owned.
-    TarnTokenMap tokens;              ///< The section's tokens by name.
-    TarnString name;                  ///< The section's name; for a stored object its class name.
+    /// The section's tokens by name. A node that a parser filled may hold a few short tokens in a
+    /// compact form instead, until getTokens or an adder first runs on it: read through getTokens
+    /// or the lookups, which see both.
+    TarnTokenMap tokens;
+    TarnString name; ///< The section's name; for a stored object its class name.
 
 private:
-    /// Returns the token of this name, or null.
+    friend class TarnStringArchive;
+
+    /// Returns the token of this name in `tokens`, or null.
     const TarnToken *findToken(const char *tokenName) const;
+    /// Returns the text of the token of this name while the node holds its tokens in compact
+    /// form, or null.
+    const char *findParsedText(const char *tokenName) const;
+    /// Moves the compact tokens into `tokens`, in order, once. The compact block stays until the
+    /// node is destroyed, so that texts that lookups handed out stay readable.
+    void moveParsedTokens();
+
+    /// Tokens that a parser found, in compact form (one owned block); null when there are none.
+    std::uint32_t *parsedTokens;
 };

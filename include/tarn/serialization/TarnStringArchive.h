@@ -62,8 +62,6 @@ protected:
 
     /// Grows the token buffer to take `length` bytes plus the NUL, losing its contents.
     void growTokenBuffer(std::size_t length);
-    /// Adds the token whose text is the `length` bytes of `text` from `start` to `section`.
-    void addTextToken(TarnArchive &section, std::size_t start, std::size_t length);
 
     TarnString text;               ///< The text the parser reads and the string writer makes.
     std::int64_t position;         ///< Index in `text` of the next byte to look at
@@ -72,4 +70,14 @@ protected:
     bool firstSection;             ///< True until the parser has met its first "{"
     char *tokenBuffer;             ///< Scratch space for one token's text, owned
     std::size_t tokenBufferLength; ///< The longest text tokenBuffer takes, without the NUL
+
+private:
+    /// The tokens of the open section that the parser has met since its last "{" or "}".
+    struct TokenRun;
+    /// Adds the token of `length` bytes behind lastDelimiter to the run of `section`'s tokens.
+    void addParsedToken(TarnArchive &section, TokenRun &run, std::size_t length);
+    /// Copies the `length` bytes of `text` at `start` into the token buffer, with a NUL behind.
+    void bufferToken(std::int64_t start, std::size_t length);
+    /// Gives `section` the tokens of the run that has ended and starts a new run.
+    static void endTokenRun(TarnArchive &section, TokenRun &run);
 };
