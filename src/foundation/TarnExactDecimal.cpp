@@ -1,4 +1,4 @@
-// Exact reading of short decimal numbers: a first estimate by one double division, then at most a
+// Exact reading of short decimal numbers: a first estimate by one double multiplication, then at most a
 // few steps of one unit in the last place, each decided by comparing 128-bit integers exactly.
 #include "foundation/TarnExactDecimal.h"
 
@@ -21,7 +21,7 @@ constexpr int kMaxScale = 22; // 10^22 is the largest power of ten that a double
 
 struct PowerTable {
     Wide power[kMaxScale + 1];
-    double real[kMaxScale + 1];
+    double inverse[kMaxScale + 1]; // 10^-n, rounded: the first estimate needs no more
 };
 
 constexpr PowerTable makePowerTable() {
@@ -30,7 +30,7 @@ constexpr PowerTable makePowerTable() {
     double real = 1.0;
     for (int i = 0; i <= kMaxScale; ++i) {
         table.power[i] = power;
-        table.real[i] = real;
+        table.inverse[i] = 1.0 / real; // 10^i is exact, its inverse rounded once
         power *= 10;
         real *= 10.0;
     }
@@ -47,12 +47,13 @@ struct ShortDecimal {
     const char *end;
 };
 
-// The eight bytes at `at` as one word, the first byte lowest, on any byte order.
+// The eight bytes at `at` as one word, the first byte lowest.
 std::uint64_t loadEight(const char *at) {
-    std::uint64_t word = 0;
-    for (int i = 7; i >= 0; --i) {
-        word = (word << 8) | static_cast<unsigned char>(at[i]);
-    }
+    std::uint64_t word;
+    std::memcpy(&word, at, sizeof word);
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
+    word = __builtin_bswap64(word);
+#endif
     return word;
 }
 
@@ -69,17 +70,26 @@ std::uint64_t eightDigitsValue(std::uint64_t word) {
     return ((word & 0x0000FFFF0000FFFFu) * 42949672960001u) >> 32;
 }
 
-// Reads up to `most` decimal digits into `value`, eight at a time while they last; returns the
-// position behind them.
-const char *readDigits(const char *at, const char *last, int most, std::uint64_t &value, int &count) {
+// Reads up to 18 fraction digits into `value`, eight at a time while they last; returns the
+// position behind them and their count in `count`.
+const char *readFraction(const char *at, const char *last, std::uint64_t &value, int &count) {
     count = 0;
-    while (most - count >= 8 && last - at >= 8 && allDigits(loadEight(at))) {
+    while (count <= 10 && last - at >= 8 && allDigits(loadEight(at))) {
         value = value * 100000000 + eightDigitsValue(loadEight(at));
         at += 8;
         count += 8;
     }
-    for (; at != last && isAsciiDigit(*at) && count < most; ++at, ++count) {
+    for (; at != last && isAsciiDigit(*at) && count < 18; ++at, ++count) {
         value = value * 10 + static_cast<std::uint64_t>(*at - '0');
+    }
+    return at;
+}
+
+// Reads up to 4 exponent digits into `value`; returns the position behind them and their count.
+const char *readExponentDigits(const char *at, const char *last, int &value, int &count) {
+    count = 0;
+    for (; at != last && isAsciiDigit(*at) && count < 4; ++at, ++count) {
+        value = value * 10 + (*at - '0');
     }
     return at;
 }
@@ -93,20 +103,20 @@ bool parseShortDecimal(const char *at, const char *last, ShortDecimal &out) {
     }
     std::uint64_t digits = static_cast<std::uint64_t>(at[0] - '0');
     int fraction = 0;
-    at = readDigits(at + 2, last, 18, digits, fraction);
+    at = readFraction(at + 2, last, digits, fraction);
     if (fraction == 0 || at == last || (*at | 0x20) != 'e') {
         return false;
     }
     ++at;
     const bool negativeExponent = at != last && *at == '-';
     at += (at != last && (*at == '+' || *at == '-')) ? 1 : 0;
-    std::uint64_t exponent = 0;
+    int exponent = 0;
     int exponentDigits = 0;
-    at = readDigits(at, last, 4, exponent, exponentDigits);
+    at = readExponentDigits(at, last, exponent, exponentDigits);
     if (exponentDigits == 0 || (at != last && isAsciiDigit(*at))) {
         return false;
     }
-    const int signedExponent = negativeExponent ? -static_cast<int>(exponent) : static_cast<int>(exponent);
+    const int signedExponent = negativeExponent ? -exponent : exponent;
     out.digits = digits;
     out.scale = fraction - signedExponent;
     out.end = at;
@@ -168,7 +178,9 @@ const char *readShortScientific(const char *first, const char *last, double &val
     if (!parseShortDecimal(first, last, number) || number.digits == 0) {
         return nullptr; // zero keeps the general reader's sign handling
     }
-    double estimate = static_cast<double>(number.digits) / kPowers.real[number.scale];
+    // Within two units in the last place: one rounding of the digits, one of the inverse, one of
+    // the product.
+    double estimate = static_cast<double>(number.digits) * kPowers.inverse[number.scale];
     if (!std::isnormal(estimate) || !roundExactly(number, estimate)) {
         return nullptr;
     }

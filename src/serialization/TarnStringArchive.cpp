@@ -68,14 +68,21 @@ std::int64_t skipPlainBlocks(const char *bytes, std::int64_t position, std::int6
     const __m128i open = _mm_set1_epi8('{');
     const __m128i close = _mm_set1_epi8('}');
     const __m128i end = _mm_set1_epi8(';');
-    while (length - position >= 16) {
-        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i *>(bytes + position));
-        const __m128i hits =
-            _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(block, open), _mm_cmpeq_epi8(block, close)),
-                         _mm_cmpeq_epi8(block, end));
-        if (_mm_movemask_epi8(hits) != 0) {
+    const auto hits = [&](std::int64_t at) {
+        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i *>(bytes + at));
+        return _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(block, open), _mm_cmpeq_epi8(block, close)),
+                            _mm_cmpeq_epi8(block, end));
+    };
+    // Four blocks per step while the text is long: one mask test for 64 bytes.
+    while (length - position >= 64) {
+        const __m128i any = _mm_or_si128(_mm_or_si128(hits(position), hits(position + 16)),
+                                         _mm_or_si128(hits(position + 32), hits(position + 48)));
+        if (_mm_movemask_epi8(any) != 0) {
             break;
         }
+        position += 64;
+    }
+    while (length - position >= 16 && _mm_movemask_epi8(hits(position)) == 0) {
         position += 16;
     }
     return position;
@@ -141,12 +148,12 @@ private:
     char saved;
 };
 
-// Adds `token`, whose bytes lie in `text`, to the map of `section`. The value is read in place:
-// the byte behind it (the ";" or a NUL) stands in for its NUL while the token copies it, and is
-// put back even if the copy throws. A repeated name keeps its first value.
-void addTokenInPlace(TarnArchive &section, TarnString &text, const tarn::parsed::Span &token) {
-    char *const valueEnd = text.data() + (token.value - text.data()) + token.valueLength;
-    const TerminatedAt terminated(valueEnd);
+// Adds `token`, whose bytes lie in `text` and end at `tokenEnd` (its ";"), to the map of `section`.
+// The value is read in place up to its first NUL: the ";" stands in for the NUL while the token
+// copies the value, and is put back even if the copy throws. A repeated name keeps its first value.
+void addTokenInPlace(TarnArchive &section, TarnString &text, std::size_t tokenEnd,
+                     const tarn::parsed::Span &token) {
+    const TerminatedAt terminated(text.data() + tokenEnd);
     TarnToken value;
     value.setValue(token.value);
     section.getTokens().try_emplace(TarnString(std::string(token.name, token.nameLength)), std::move(value));
@@ -227,7 +234,7 @@ void TarnStringArchive::addParsedToken(TarnArchive &section, TokenRun &run, std:
         run.spans.clear();
         run.intoMap = true;
     }
-    addTokenInPlace(section, text, token);
+    addTokenInPlace(section, text, static_cast<std::size_t>(lastDelimiter + 1) + length, token);
 }
 
 void TarnStringArchive::bufferToken(std::int64_t start, std::size_t length) {
