@@ -26,6 +26,12 @@ std::uint32_t leadingInt32(const TarnString &text) {
     return value;
 }
 
+// The first blank in [first, last), or last.
+const char *findBlank(const char *first, const char *last) {
+    const void *blank = std::memchr(first, ' ', static_cast<std::size_t>(last - first));
+    return blank != nullptr ? static_cast<const char *>(blank) : last;
+}
+
 // Calls `read(first, last)` for each piece of [first, last) between blanks, in order, until
 // `count` pieces have been handed over. Only the blank separates; runs of blanks count once.
 template <class Reader>
@@ -38,18 +44,11 @@ void forEachPiece(const char *first, const char *last, unsigned int count, Reade
         if (first == last) {
             return;
         }
-        const void *blank = std::memchr(first, ' ', static_cast<std::size_t>(last - first));
-        const char *pieceEnd = blank != nullptr ? static_cast<const char *>(blank) : last;
+        const char *pieceEnd = findBlank(first, last);
         read(index, first, pieceEnd);
         ++index;
         first = pieceEnd;
     }
-}
-
-// The first blank in [first, last), or last.
-const char *findBlank(const char *first, const char *last) {
-    const void *blank = std::memchr(first, ' ', static_cast<std::size_t>(last - first));
-    return blank != nullptr ? static_cast<const char *>(blank) : last;
 }
 
 // Reads the piece at `first` (a non-blank byte) into `value` where it starts with a number, and
