@@ -24,7 +24,22 @@ TarnArchive::~TarnArchive() {
         node->children.std::vector<TarnArchive *>::clear();
         delete node;
     }
-    tarn::parsed::release(parsedTokens);
+    releaseParsedTokens();
+}
+
+void TarnArchive::releaseParsedTokens() {
+    if (parsedTokens != inlineTokens) {
+        delete[] parsedTokens;
+    }
+    parsedTokens = nullptr;
+}
+
+void TarnArchive::setParsedTokens(const tarn::parsed::Span *spans, std::size_t count) {
+    const std::size_t size = tarn::parsed::blockSize(spans, count);
+    unsigned char *block = size <= kInlineTokenBytes ? inlineTokens : new unsigned char[size];
+    tarn::parsed::writeBlock(block, spans, count);
+    releaseParsedTokens();
+    parsedTokens = block;
 }
 
 TarnArchive &TarnArchive::getParent() {
@@ -79,8 +94,8 @@ void TarnArchive::moveParsedTokens() {
     }
     // In block order with try_emplace, so that a repeated name keeps its first value. Should an
     // insertion throw, the block stays unmoved and a later call inserts the rest.
-    const std::uint32_t count = tarn::parsed::count(parsedTokens);
-    for (std::uint32_t index = 0; index < count; ++index) {
+    const std::size_t count = tarn::parsed::count(parsedTokens);
+    for (std::size_t index = 0; index < count; ++index) {
         TarnToken token;
         token.setValue(tarn::parsed::valueAt(parsedTokens, index));
         tokens.try_emplace(TarnString(std::string(tarn::parsed::nameAt(parsedTokens, index))),

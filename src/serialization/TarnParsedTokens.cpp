@@ -1,4 +1,4 @@
-// The compact token block of a parsed archive node: one allocation for a few short tokens.
+// The compact token block of a parsed archive node: a few short tokens in one run of bytes.
 #include "serialization/TarnParsedTokens.h"
 
 #include <cstring>
@@ -8,67 +8,74 @@ namespace parsed {
 
 namespace {
 
-// Layout in 32-bit words: the count, the moved mark, then per token the byte offsets and lengths
-// of its name and value from the start of the byte area, then the byte area itself. Offsets stay
-// far below 2^32, since a block holds at most kMaxSpans tokens of at most kMaxSpanBytes each.
-constexpr std::size_t kHeaderWords = 2;
-constexpr std::size_t kEntryWords = 4;
+// Layout in 16-bit fields, read and written by memcpy so that any alignment of the bytes does:
+// the count, the moved mark, then per token the offsets (from the start of the text area) and
+// the lengths of its name and value, then the text area. Offsets stay below 2^16, since a block
+// holds at most kMaxSpans tokens of at most kMaxSpanBytes bytes of name and of value each.
+constexpr std::size_t kField = sizeof(std::uint16_t);
+constexpr std::size_t kHeaderFields = 2;
+constexpr std::size_t kEntryFields = 4;
 
-const char *bytesOf(const std::uint32_t *block) {
-    return reinterpret_cast<const char *>(block + kHeaderWords + kEntryWords * block[0]);
+std::uint16_t field(const unsigned char *block, std::size_t index) {
+    std::uint16_t value = 0;
+    std::memcpy(&value, block + index * kField, kField);
+    return value;
 }
 
-const std::uint32_t *entryOf(const std::uint32_t *block, std::uint32_t index) {
-    return block + kHeaderWords + kEntryWords * index;
+void setField(unsigned char *block, std::size_t index, std::size_t value) {
+    const auto narrow = static_cast<std::uint16_t>(value);
+    std::memcpy(block + index * kField, &narrow, kField);
+}
+
+const char *textArea(const unsigned char *block) {
+    return reinterpret_cast<const char *>(block + (kHeaderFields + kEntryFields * field(block, 0)) * kField);
 }
 
 } // namespace
 
-std::uint32_t *makeBlock(const Span *spans, std::size_t count) {
-    std::size_t bytes = 0;
+std::size_t blockSize(const Span *spans, std::size_t count) {
+    std::size_t bytes = (kHeaderFields + kEntryFields * count) * kField;
     for (std::size_t i = 0; i < count; ++i) {
         bytes += spans[i].nameLength + spans[i].valueLength + 1;
     }
-    const std::size_t words = kHeaderWords + kEntryWords * count + (bytes + 3) / 4;
-    auto *block = new std::uint32_t[words];
-    block[0] = static_cast<std::uint32_t>(count);
-    block[1] = 0;
-    char *area = reinterpret_cast<char *>(block + kHeaderWords + kEntryWords * count);
+    return bytes;
+}
+
+void writeBlock(unsigned char *out, const Span *spans, std::size_t count) {
+    setField(out, 0, count);
+    setField(out, 1, 0);
+    char *area = reinterpret_cast<char *>(out + (kHeaderFields + kEntryFields * count) * kField);
     std::size_t at = 0;
     for (std::size_t i = 0; i < count; ++i) {
-        std::uint32_t *entry = block + kHeaderWords + kEntryWords * i;
-        entry[0] = static_cast<std::uint32_t>(at);
-        entry[1] = static_cast<std::uint32_t>(spans[i].nameLength);
+        const std::size_t entry = kHeaderFields + kEntryFields * i;
+        setField(out, entry, at);
+        setField(out, entry + 1, spans[i].nameLength);
         std::memcpy(area + at, spans[i].name, spans[i].nameLength);
         at += spans[i].nameLength;
-        entry[2] = static_cast<std::uint32_t>(at);
-        entry[3] = static_cast<std::uint32_t>(spans[i].valueLength);
+        setField(out, entry + 2, at);
+        setField(out, entry + 3, spans[i].valueLength);
         std::memcpy(area + at, spans[i].value, spans[i].valueLength);
         at += spans[i].valueLength;
         area[at++] = '\0';
     }
-    return block;
 }
 
-void release(std::uint32_t *block) {
-    delete[] block;
+std::size_t count(const unsigned char *block) {
+    return field(block, 0);
 }
 
-std::uint32_t count(const std::uint32_t *block) {
-    return block[0];
+std::string_view nameAt(const unsigned char *block, std::size_t index) {
+    const std::size_t entry = kHeaderFields + kEntryFields * index;
+    return std::string_view(textArea(block) + field(block, entry), field(block, entry + 1));
 }
 
-std::string_view nameAt(const std::uint32_t *block, std::uint32_t index) {
-    const std::uint32_t *entry = entryOf(block, index);
-    return std::string_view(bytesOf(block) + entry[0], entry[1]);
+const char *valueAt(const unsigned char *block, std::size_t index) {
+    return textArea(block) + field(block, kHeaderFields + kEntryFields * index + 2);
 }
 
-const char *valueAt(const std::uint32_t *block, std::uint32_t index) {
-    return bytesOf(block) + entryOf(block, index)[2];
-}
-
-const char *find(const std::uint32_t *block, std::string_view name) {
-    for (std::uint32_t index = 0; index < block[0]; ++index) {
+const char *find(const unsigned char *block, std::string_view name) {
+    const std::size_t tokens = count(block);
+    for (std::size_t index = 0; index < tokens; ++index) {
         if (nameAt(block, index) == name) {
             return valueAt(block, index);
         }
@@ -76,12 +83,12 @@ const char *find(const std::uint32_t *block, std::string_view name) {
     return nullptr;
 }
 
-bool isMoved(const std::uint32_t *block) {
-    return block[1] != 0;
+bool isMoved(const unsigned char *block) {
+    return field(block, 1) != 0;
 }
 
-void markMoved(std::uint32_t *block) {
-    block[1] = 1;
+void markMoved(unsigned char *block) {
+    setField(block, 1, 1);
 }
 
 } // namespace parsed

@@ -18,7 +18,8 @@ struct Span {
 
 /// At most this many tokens, each with a name and a value of at most kMaxSpanBytes bytes, go
 /// into one block; a node with more or longer tokens holds them in its token map. Lookups in a
-/// block are linear, so the bound also keeps each lookup short.
+/// block are linear, so the bound also keeps each lookup short, and every offset in a block fits
+/// 16 bits.
 constexpr std::size_t kMaxSpans = 16;
 constexpr std::size_t kMaxSpanBytes = 256;
 
@@ -27,27 +28,27 @@ inline bool fitsBlock(const Span &span) {
     return span.nameLength <= kMaxSpanBytes && span.valueLength <= kMaxSpanBytes;
 }
 
-/// Makes a block of `count` (1 to kMaxSpans) short tokens, in order, each value followed by a NUL.
-/// The block is one allocation of 32-bit words; the caller owns it and releases it by `release`.
-std::uint32_t *makeBlock(const Span *spans, std::size_t count);
-/// Releases a block made by makeBlock; null is allowed.
-void release(std::uint32_t *block);
+/// Returns the bytes that a block of `count` (1 to kMaxSpans) tokens takes.
+std::size_t blockSize(const Span *spans, std::size_t count);
+/// Writes the block of `count` tokens, in order, each value followed by a NUL, to `out`, which
+/// holds blockSize bytes.
+void writeBlock(unsigned char *out, const Span *spans, std::size_t count);
 
 /// Returns the number of tokens in `block`.
-std::uint32_t count(const std::uint32_t *block);
+std::size_t count(const unsigned char *block);
 /// Returns the name of token `index` of `block`.
-std::string_view nameAt(const std::uint32_t *block, std::uint32_t index);
+std::string_view nameAt(const unsigned char *block, std::size_t index);
 /// Returns the NUL-terminated value of token `index` of `block`.
-const char *valueAt(const std::uint32_t *block, std::uint32_t index);
+const char *valueAt(const unsigned char *block, std::size_t index);
 /// Returns the value of the first token called `name`, or null when there is none: the first of
 /// a repeated name is the one that counts.
-const char *find(const std::uint32_t *block, std::string_view name);
+const char *find(const unsigned char *block, std::string_view name);
 
 /// True once the block's tokens have been moved into the node's token map; the block then only
 /// keeps texts readable that lookups handed out before.
-bool isMoved(const std::uint32_t *block);
+bool isMoved(const unsigned char *block);
 /// Marks the block's tokens as moved into the token map.
-void markMoved(std::uint32_t *block);
+void markMoved(unsigned char *block);
 
 } // namespace parsed
 } // namespace tarn

@@ -244,7 +244,7 @@ void TarnStringArchive::bufferToken(std::int64_t start, std::size_t length) {
 
 void TarnStringArchive::endTokenRun(TarnArchive &section, TokenRun &run) {
     if (!run.spans.empty()) {
-        section.parsedTokens = tarn::parsed::makeBlock(run.spans.data(), run.spans.size());
+        section.setParsedTokens(run.spans.data(), run.spans.size());
         run.spans.clear();
     }
     run.intoMap = false;

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -58,6 +59,75 @@ TEST(TarnStringArchiveTest, ParserReadsEveryTextAsItsRulesSay) {
     for (const Case &c : cases) {
         EXPECT_EQ(parsedTree(c.text), c.tree) << c.text;
     }
+}
+
+// Expects the lookups on `parsed`, whose tokens nobody has asked for as a map, to answer as the
+// map of `reference` (the same text, parsed and then asked for its map) does, node by node.
+void expectLookupsAgree(TarnArchive &parsed, TarnArchive &reference) {
+    for (auto &entry : reference.getTokens()) {
+        const std::string name(entry.first);
+        if (name.find('\0') != std::string::npos) {
+            continue; // a lookup by a C text cannot name it
+        }
+        EXPECT_STREQ(parsed.getTokenText(name.c_str()), entry.second.getValue()) << name;
+        EXPECT_EQ(parsed.getTokenInt(name.c_str()), entry.second.getIntValue()) << name;
+        EXPECT_EQ(parsed.getTokenPointer(name.c_str()), entry.second.getPointerValue()) << name;
+        double mine[2] = {-1, -1};
+        double theirs[2] = {-1, -1};
+        parsed.getTokenDoubles(name.c_str(), mine, 2);
+        entry.second.getDoubles(theirs, 2);
+        EXPECT_EQ(std::vector<double>(mine, mine + 2), std::vector<double>(theirs, theirs + 2)) << name;
+    }
+    EXPECT_STREQ(parsed.getTokenText("absent"), "");
+    ASSERT_EQ(parsed.getChildren().size(), reference.getChildren().size());
+    for (unsigned i = 0; i < parsed.getChildren().size(); ++i) {
+        expectLookupsAgree(parsed.getChildren()[i], reference.getChildren()[i]);
+    }
+}
+
+// Lookups straight after a parse read the same texts and values as lookups through the token
+// map: repeated names keep the first value, tokens behind a child, many or long tokens, numbers
+// and addresses in any form.
+TEST(TarnStringArchiveTest, LookupsAfterAParseAgreeWithTheTokenMap) {
+    std::string many = "M{";
+    for (int i = 0; i < 20; ++i) {
+        many += "t" + std::to_string(i % 18) + "=" + std::to_string(i) + ";";
+    }
+    many += "}";
+    const char withNul[] = "N{x=12\0"
+                           "34;y\0z=5;=6;q;}";
+    const std::string texts[] = {
+        "A{b=2;a=-17;b=3;this=0ABCDEF0;parent=0x10;d=1.5 2.5;}",
+        "A{x=1;B{y=0FF;}z=3;x=9;}",
+        many,
+        "L{n" + std::string(300, 'a') + "=1;v=" + std::string(300, '7') + ";w=5;}",
+        "W{a=" + std::string(60, '1') + ";b=" + std::string(60, '2') + ";c=3;}",
+        std::string(withNul, sizeof withNul - 1),
+    };
+    for (const std::string &text : texts) {
+        InspectedArchive parsed;
+        parsed.setText(TarnString(text));
+        parsed.parse();
+        InspectedArchive reference;
+        reference.setText(TarnString(text));
+        reference.parse();
+        expectLookupsAgree(parsed, reference);
+    }
+}
+
+// A text that a lookup handed out stays readable when the node's tokens later go into a map, and
+// an added token does not replace a parsed one.
+TEST(TarnStringArchiveTest, ParsedTokensStayFirstAndReadable) {
+    InspectedArchive archive;
+    archive.setText("A{x=1;y=2;}");
+    archive.parse();
+    const char *x = archive.getTokenText("x");
+    archive.addIntToken("x", 7);
+    archive.addIntToken("z", 8);
+    EXPECT_STREQ(x, "1");
+    EXPECT_STREQ(archive.getTokenText("x"), "1");
+    EXPECT_EQ(archive.getTokenInt("z"), 8);
+    EXPECT_EQ(archive.getTokens().size(), 3u);
 }
 
 // The parser passes over long runs several bytes at a time: every structural byte must be found

@@ -7,11 +7,16 @@
 #include "tarn/foundation/TarnVector.h"
 #include "tarn/serialization/TarnToken.h"
 
-#include <cstdint>
+#include <cstddef>
 #include <map>
 #include <string_view>
 
 class TarnSerializable;
+namespace tarn {
+namespace parsed {
+struct Span;
+}
+} // namespace tarn
 
 /// Orders token names by the bytes of the standard string, as unsigned values: a name that is a
 /// prefix of another comes first, upper-case letters before lower-case ones. Transparent, so that
@@ -100,10 +105,19 @@ private:
     /// Returns the text of the token of this name while the node holds its tokens in compact
     /// form, or null.
     const char *findParsedText(const char *tokenName) const;
+    /// Gives the node the compact form of `count` tokens; the node must have none yet.
+    void setParsedTokens(const tarn::parsed::Span *spans, std::size_t count);
+    /// Releases the compact tokens, if they have a block of their own.
+    void releaseParsedTokens();
     /// Moves the compact tokens into `tokens`, in order, once. The compact block stays until the
     /// node is destroyed, so that texts that lookups handed out stay readable.
     void moveParsedTokens();
 
-    /// Tokens that a parser found, in compact form (one owned block); null when there are none.
-    std::uint32_t *parsedTokens;
+    /// Room for the compact tokens of a typical stored object inside the node itself.
+    static constexpr std::size_t kInlineTokenBytes = 96;
+
+    /// Tokens that a parser found, in compact form: in `inlineTokens` or in an owned block of
+    /// their own when they do not fit there; null when there are none.
+    unsigned char *parsedTokens;
+    unsigned char inlineTokens[kInlineTokenBytes]; ///< The compact tokens when they fit.
 };
