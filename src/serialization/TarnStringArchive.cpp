@@ -29,27 +29,14 @@ std::size_t boundedLength(const char *text, std::size_t limit) {
 // Splits the `length` bytes of one token's text into name and value. The first "=" ends the name,
 // unless it stands at index 0: then it splits nothing, the name is the whole text and the value
 // the text behind the "=". A text without "=" is a name with an empty value. Name and value end
-// at a NUL byte, as texts do.
-tarn::parsed::Span splitToken(const char *token, std::size_t length) {
-    std::size_t equals = length;
-    bool hasNul = true;
-    if (length <= 64) {
-        // A short token (most of them) is looked at in one plain loop instead of three searches.
-        hasNul = false;
-        for (std::size_t at = 0; at < length; ++at) {
-            if (token[at] == '=' && equals == length) {
-                equals = at;
-            }
-            hasNul = hasNul || token[at] == '\0';
-        }
-    } else {
-        const void *found = std::memchr(token, '=', length);
-        equals =
-            found != nullptr ? static_cast<std::size_t>(static_cast<const char *>(found) - token) : length;
-    }
+// at a NUL byte, as texts do; `mayHoldNul` false says that the token holds none.
+tarn::parsed::Span splitToken(const char *token, std::size_t length, bool mayHoldNul) {
+    const void *found = std::memchr(token, '=', length);
+    const std::size_t equals =
+        found != nullptr ? static_cast<std::size_t>(static_cast<const char *>(found) - token) : length;
     const std::size_t nameEnd = equals >= 1 ? equals : length;
     const std::size_t valueStart = equals < length ? equals + 1 : length;
-    if (!hasNul) {
+    if (!mayHoldNul) {
         return tarn::parsed::Span{token, nameEnd, token + valueStart, length - valueStart};
     }
     return tarn::parsed::Span{token, boundedLength(token, nameEnd), token + valueStart,
@@ -149,14 +136,16 @@ private:
 };
 
 // Adds `token`, whose bytes lie in `text` and end at `tokenEnd` (its ";"), to the map of `section`.
-// The value is read in place up to its first NUL: the ";" stands in for the NUL while the token
-// copies the value, and is put back even if the copy throws. A repeated name keeps its first value.
+// The name ends at its first NUL; the value is read in place up to its first NUL: the ";" stands in for the
+// NUL while the token copies the value, and is put back even if the copy throws. A repeated name keeps its
+// first value.
 void addTokenInPlace(TarnArchive &section, TarnString &text, std::size_t tokenEnd,
                      const tarn::parsed::Span &token) {
     const TerminatedAt terminated(text.data() + tokenEnd);
     TarnToken value;
     value.setValue(token.value);
-    section.getTokens().try_emplace(TarnString(std::string(token.name, token.nameLength)), std::move(value));
+    const std::size_t nameLength = boundedLength(token.name, token.nameLength);
+    section.getTokens().try_emplace(TarnString(std::string(token.name, nameLength)), std::move(value));
 }
 
 } // namespace
@@ -216,11 +205,18 @@ void TarnStringArchive::verifyTokenStringLength(int length) {
 }
 
 void TarnStringArchive::addParsedToken(TarnArchive &section, TokenRun &run, std::size_t length) {
-    const tarn::parsed::Span token = splitToken(text.data() + lastDelimiter + 1, length);
-    if (!run.intoMap && run.spans.size() < tarn::parsed::kMaxSpans && tarn::parsed::fitsBlock(token) &&
-        section.parsedTokens == nullptr && section.tokens.empty()) {
-        run.spans.push_back(token);
-        return;
+    // A token longer than a name and a value of a block together never fits one: it goes to the
+    // map without being taken apart twice.
+    if (!run.intoMap && length <= 2 * tarn::parsed::kMaxSpanBytes + 1 &&
+        run.spans.size() < tarn::parsed::kMaxSpans && section.parsedTokens == nullptr &&
+        section.tokens.empty()) {
+        const char *start = text.data() + lastDelimiter + 1;
+        const tarn::parsed::Span token =
+            splitToken(start, length, std::memchr(start, '\0', length) != nullptr);
+        if (tarn::parsed::fitsBlock(token)) {
+            run.spans.push_back(token);
+            return;
+        }
     }
     if (!run.intoMap) {
         // The run no longer fits a block: what it holds so far goes into the map first, in order.
@@ -234,7 +230,9 @@ void TarnStringArchive::addParsedToken(TarnArchive &section, TokenRun &run, std:
         run.spans.clear();
         run.intoMap = true;
     }
-    addTokenInPlace(section, text, static_cast<std::size_t>(lastDelimiter + 1) + length, token);
+    const char *start = text.data() + lastDelimiter + 1;
+    addTokenInPlace(section, text, static_cast<std::size_t>(lastDelimiter + 1) + length,
+                    splitToken(start, length, false));
 }
 
 void TarnStringArchive::bufferToken(std::int64_t start, std::size_t length) {

@@ -19,8 +19,10 @@ class HandleIndex;
 
 /// A table of pairs of addresses: the old address an object had when it was stored, and the new
 /// object that a restore made for it. A restore registers every pair first; the first lookup then
-/// sorts the table by old address, once, and each lookup is a binary search. Old addresses are
-/// only numbers here, compared as unsigned integers of pointer width, and are never followed.
+/// sorts the table by old address, once, in O(n log n) whatever the addresses, and each lookup is
+/// a binary search, or a hash probe while no old address repeats (both find the same pair). Old
+/// addresses are only numbers here, compared as unsigned integers of pointer width, and are never
+/// followed.
 /// Beside the table the manager keeps a record of the class of every registration since it was
 /// made; reset leaves the record alone, so it grows for the life of the manager, by one small
 /// index per registration (each distinct class name is held once). A long-running program
