@@ -4,6 +4,7 @@
 
 #include <tarn/tarn.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -56,6 +57,21 @@ void checkNumbers(const TarnToken &token, const char *text) {
     static_cast<void>(token.getPointerValue());
 }
 
+// Each element the list reader set is strtod's reading of the piece at its index, the pieces
+// being the runs between blanks; a piece without a number leaves its element alone.
+void checkPiecesAsStrtod(const char *text, const double *values, unsigned int count) {
+    std::string rest = text;
+    unsigned int index = 0;
+    for (std::size_t at = rest.find_first_not_of(' '); at != std::string::npos && index < count; ++index) {
+        const std::size_t end = std::min(rest.find(' ', at), rest.size());
+        const std::string piece = rest.substr(at, end - at);
+        char *stop = nullptr;
+        const double expected = std::strtod(piece.c_str(), &stop);
+        check(stop == piece.c_str() ? values[index] == -7.25 : sameDouble(values[index], expected));
+        at = rest.find_first_not_of(' ', end);
+    }
+}
+
 void checkLists(const TarnToken &token, unsigned int count) {
     // The list readers set at most `count` elements and never touch one beyond.
     double values[9];
@@ -73,6 +89,7 @@ void checkLists(const TarnToken &token, unsigned int count) {
     }
     TarnArray<int> ints(count, 3);
     token.getInts(ints);
+    checkPiecesAsStrtod(token.getValue(), values, count);
 
     // A list that the token wrote reads back exactly.
     TarnToken copy;

@@ -1,6 +1,7 @@
 // Archive text side by side: a million doubles in one "data" token written and read back exactly
-// through TarnStringArchive, against Boost.Serialization's text archive of a std::vector<double>,
-// a snprintf + strtod loop (the naive floor) and memcpy of the same text (the limit).
+// through TarnStringArchive (as a vector and as a 1000 x 1000 TarnMatrix), against Boost.Serialization's text
+// archive of a std::vector<double>, a snprintf + strtod loop (the naive floor) and memcpy of the same text
+// (the limit).
 #include <tarn/tarn.h>
 
 #include <boost/archive/text_iarchive.hpp>
@@ -148,6 +149,50 @@ void tarnRead(benchmark::State &state) {
     reportBytes(state, text.size());
 }
 
+// The same million values as a 1000 x 1000 TarnMatrix: "rows", "cols" and "data".
+TarnMatrix sampleMatrix() {
+    return TarnMatrix(sampleValues().data(), 1000, 1000);
+}
+
+bool sameMatrix(const TarnMatrix &matrix) {
+    return matrix.nRows() == 1000 && matrix.nCols() == 1000 &&
+           std::memcmp(matrix[0], sampleValues().data(), kValues * sizeof(double)) == 0;
+}
+
+void tarnMatrixWrite(benchmark::State &state) {
+    TarnMatrix matrix = sampleMatrix();
+    TarnString text;
+    for (auto _ : state) {
+        TarnStringArchive archive;
+        archive.serializeStore(matrix);
+        text.swap(archive.getText());
+        benchmark::DoNotOptimize(text.data());
+    }
+    TarnMatrix back;
+    TarnStringArchive().serializeRestore(back, text);
+    if (!sameMatrix(back)) {
+        state.SkipWithError("the matrix does not come back exactly");
+    }
+    reportBytes(state, text.size());
+}
+
+void tarnMatrixRead(benchmark::State &state) {
+    TarnMatrix matrix = sampleMatrix();
+    TarnStringArchive written;
+    written.serializeStore(matrix);
+    const TarnString text = written.getText();
+    TarnMatrix back;
+    for (auto _ : state) {
+        TarnStringArchive archive;
+        archive.serializeRestore(back, text);
+        benchmark::DoNotOptimize(back[0]);
+    }
+    if (!sameMatrix(back)) {
+        state.SkipWithError("the matrix does not come back exactly");
+    }
+    reportBytes(state, text.size());
+}
+
 void boostWrite(benchmark::State &state) {
     std::size_t bytes = 0;
     std::string text;
@@ -226,10 +271,12 @@ void registerAll() {
     const std::string write = kWrite;
     const std::string read = kRead;
     benchmark::RegisterBenchmark((write + "/Tarn").c_str(), tarnWrite);
+    benchmark::RegisterBenchmark((write + "/Tarn 1000 x 1000 TarnMatrix").c_str(), tarnMatrixWrite);
     benchmark::RegisterBenchmark((write + "/Boost text archive").c_str(), boostWrite);
     benchmark::RegisterBenchmark((write + "/snprintf %.18e").c_str(), printfWrite);
     benchmark::RegisterBenchmark((write + "/memcpy of the text").c_str(), copyText);
     benchmark::RegisterBenchmark((read + "/Tarn").c_str(), tarnRead);
+    benchmark::RegisterBenchmark((read + "/Tarn 1000 x 1000 TarnMatrix").c_str(), tarnMatrixRead);
     benchmark::RegisterBenchmark((read + "/Boost text archive").c_str(), boostRead);
     benchmark::RegisterBenchmark((read + "/strtod").c_str(), strtodRead);
     benchmark::RegisterBenchmark((read + "/memcpy of the text").c_str(), copyText);

@@ -1,4 +1,4 @@
-// Reads of a number at the start of a text, in the C locale and with defined results out of range.
+// The configuration's reads of a number at the start of a text, with defined results out of range.
 #pragma once
 
 #include <string>

@@ -8,6 +8,11 @@ inline bool isAsciiSpace(char byte) {
     return byte == ' ' || (byte >= '\t' && byte <= '\r');
 }
 
+/// True for the decimal digits 0-9.
+inline bool isAsciiDigit(char byte) {
+    return byte >= '0' && byte <= '9';
+}
+
 /// True for 0-9, A-F and a-f.
 inline bool isAsciiHexDigit(char byte) {
     return (byte >= '0' && byte <= '9') || (byte >= 'a' && byte <= 'f') || (byte >= 'A' && byte <= 'F');

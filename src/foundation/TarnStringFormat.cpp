@@ -1,7 +1,7 @@
 // TarnString: printf-style formatting, numeric reads and the hexadecimal read.
 #include "tarn/foundation/TarnString.h"
 
-#include "foundation/TarnAsciiBytes.h"
+#include "foundation/TarnNumberReader.h"
 #include "platform/TarnPlatform.h"
 
 #include <cstdint>
@@ -99,40 +99,20 @@ TarnString::operator bool() const {
 }
 
 unsigned int TarnString::toUIntBase16(bool *ok) const {
-    // The grammar of "%x": white space, a sign, an optional 0x or 0X, then hexadecimal digits.
-    // Parsed by hand so that a number beyond 32 bits has a defined result (0xFFFFFFFF).
-    const std::string &text = *this;
-    std::size_t at = 0;
-    while (at < text.size() && tarn::isAsciiSpace(text[at])) {
-        ++at;
-    }
-    bool negative = false;
-    if (at < text.size() && (text[at] == '+' || text[at] == '-')) {
-        negative = text[at] == '-';
-        ++at;
-    }
-    bool converted = false;
-    if (at + 1 < text.size() && text[at] == '0' && (text[at + 1] == 'x' || text[at + 1] == 'X')) {
-        converted = true; // the 0 of the prefix is a number even when no digit follows
-        at += 2;
-    }
-    std::uint64_t value = 0;
-    for (; at < text.size() && tarn::isAsciiHexDigit(text[at]); ++at) {
-        converted = true;
-        value = value * 16 + tarn::hexDigitValue(text[at]);
-        if (value > 0xFFFFFFFFu) {
-            value = 0x100000000u; // saturated; stays above the limit for the rest of the digits
-        }
-    }
+    // The grammar of "%x": white space, a sign, an optional 0x or 0X, then hexadecimal digits. A
+    // number beyond 32 bits has a defined result, 0xFFFFFFFF, whatever its sign.
+    namespace nr = tarn::numberreader;
+    const nr::IntegerRead read = nr::readHexadecimal(data(), data() + size(), true);
+    const bool converted = read.status != nr::ReadStatus::noNumber;
     if (ok != nullptr) {
         *ok = converted;
     }
     if (!converted) {
         return 0;
     }
-    if (value > 0xFFFFFFFFu) {
+    if (read.status == nr::ReadStatus::outOfRange || read.magnitude > 0xFFFFFFFFu) {
         return 0xFFFFFFFFu;
     }
-    const auto result = static_cast<std::uint32_t>(value);
-    return negative ? static_cast<unsigned int>(0u - result) : result;
+    const auto result = static_cast<std::uint32_t>(read.magnitude);
+    return read.negative ? static_cast<unsigned int>(0u - result) : result;
 }

@@ -34,6 +34,23 @@ void walkSections(TarnArchive &root, Enter enter, Leave leave) {
     }
 }
 
+/// Returns the length of the string form of `root` and its subtree: each section's name, "{" and
+/// "}", each token's name, "=", text up to its first NUL and ";". A writer reserves it first, so
+/// that a large token is copied into the text once and the text never grows by reallocation.
+inline std::size_t sectionTextLength(TarnArchive &root) {
+    std::size_t length = 0;
+    walkSections(
+        root,
+        [&length](TarnArchive &node) {
+            length += node.getName().size() + 2;
+            for (auto &entry : node.getTokens()) {
+                length += entry.first.size() + std::strlen(entry.second.getValue()) + 2;
+            }
+        },
+        [](TarnArchive &) {});
+    return length;
+}
+
 /// Appends one token in its text form, name "=" text ";", to `out`; the text ends at its first
 /// NUL.
 inline void appendTokenText(std::string &out, const std::string &name, const TarnToken &token) {

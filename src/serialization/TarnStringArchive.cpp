@@ -12,6 +12,10 @@
 #include <utility>
 #include <vector>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace {
 
 constexpr std::size_t kInitialTokenBufferLength = 100;
@@ -44,6 +48,33 @@ bool isStructural(char byte) {
     return byte == '{' || byte == '}' || byte == ';';
 }
 
+#if defined(__SSE2__)
+// Skips the 16-byte blocks from `position` that hold no structural byte: three compares and one
+// mask test per block. SSE2 is part of every x86-64 processor.
+std::int64_t skipPlainBlocks(const char *bytes, std::int64_t position, std::int64_t length) {
+    const __m128i open = _mm_set1_epi8('{');
+    const __m128i close = _mm_set1_epi8('}');
+    const __m128i end = _mm_set1_epi8(';');
+    const auto hits = [&](std::int64_t at) {
+        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i *>(bytes + at));
+        return _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(block, open), _mm_cmpeq_epi8(block, close)),
+                            _mm_cmpeq_epi8(block, end));
+    };
+    // Four blocks per step while the text is long: one mask test for 64 bytes.
+    while (length - position >= 64) {
+        const __m128i any = _mm_or_si128(_mm_or_si128(hits(position), hits(position + 16)),
+                                         _mm_or_si128(hits(position + 32), hits(position + 48)));
+        if (_mm_movemask_epi8(any) != 0) {
+            break;
+        }
+        position += 64;
+    }
+    while (length - position >= 16 && _mm_movemask_epi8(hits(position)) == 0) {
+        position += 16;
+    }
+    return position;
+}
+#else
 // Eight bytes at a time, as one unsigned word.
 using Word = std::uint64_t;
 constexpr Word kOnes = ~Word(0) / 0xFF; // 0x0101...01
@@ -55,10 +86,8 @@ bool hasZeroByte(Word word) {
     return ((word - kOnes) & ~word & kHighs) != 0;
 }
 
-// Returns the position of the first structural byte at or after `position`, or `length`. Words
-// without one are skipped whole; a word that may hold one is looked at byte by byte. A long
-// token text (the values of a large block of numbers) is passed over at several bytes per step.
-std::int64_t findStructural(const char *bytes, std::int64_t position, std::int64_t length) {
+// Skips the words from `position` that hold no structural byte, eight bytes at a time.
+std::int64_t skipPlainBlocks(const char *bytes, std::int64_t position, std::int64_t length) {
     while (length - position >= static_cast<std::int64_t>(sizeof(Word))) {
         Word word;
         std::memcpy(&word, bytes + position, sizeof word);
@@ -68,10 +97,55 @@ std::int64_t findStructural(const char *bytes, std::int64_t position, std::int64
         }
         position += static_cast<std::int64_t>(sizeof(Word));
     }
+    return position;
+}
+#endif
+
+// Returns the position of the first structural byte at or after `position`, or `length`. Blocks
+// without one are skipped whole; a block that holds one is looked at byte by byte. A long token
+// text (the values of a large block of numbers) is passed over at many bytes per step.
+std::int64_t findStructural(const char *bytes, std::int64_t position, std::int64_t length) {
+    position = skipPlainBlocks(bytes, position, length);
     while (position < length && !isStructural(bytes[position])) {
         ++position;
     }
     return position;
+}
+
+// Makes the token buffer take `length` bytes and the NUL, losing its contents. The new bytes are
+// not cleared: the parser writes what it keeps there, and a large buffer costs no page until then.
+void reserveTokenBuffer(char *&buffer, std::size_t &bufferLength, std::size_t length) {
+    char *larger = new char[length + 1];
+    larger[0] = '\0';
+    delete[] buffer;
+    buffer = larger;
+    bufferLength = length;
+}
+
+// Puts a NUL at `at` for its own lifetime, then the byte that stood there.
+class TerminatedAt {
+public:
+    explicit TerminatedAt(char *place) : at(place), saved(*place) { *at = '\0'; }
+    TerminatedAt(const TerminatedAt &) = delete;
+    TerminatedAt &operator=(const TerminatedAt &) = delete;
+    ~TerminatedAt() { *at = saved; }
+
+private:
+    char *at;
+    char saved;
+};
+
+// Adds `token`, whose bytes lie in `text` and end at `tokenEnd` (its ";"), to the map of `section`.
+// The name ends at its first NUL; the value is read in place up to its first NUL: the ";" stands in for the
+// NUL while the token copies the value, and is put back even if the copy throws. A repeated name keeps its
+// first value.
+void addTokenInPlace(TarnArchive &section, TarnString &text, std::size_t tokenEnd,
+                     const tarn::parsed::Span &token) {
+    const TerminatedAt terminated(text.data() + tokenEnd);
+    TarnToken value;
+    value.setValue(token.value);
+    const std::size_t nameLength = boundedLength(token.name, token.nameLength);
+    section.getTokens().try_emplace(TarnString(std::string(token.name, nameLength)), std::move(value));
 }
 
 } // namespace
@@ -130,14 +204,6 @@ void TarnStringArchive::verifyTokenStringLength(int length) {
     }
 }
 
-void TarnStringArchive::addBufferedToken(TarnArchive &section, std::size_t length) {
-    const tarn::parsed::Span token = splitToken(tokenBuffer, length, true);
-    // The value is NUL-terminated in the buffer: at its own NUL or behind the token's text.
-    TarnToken value;
-    value.setValue(token.value);
-    section.getTokens().try_emplace(TarnString(std::string(token.name, token.nameLength)), std::move(value));
-}
-
 void TarnStringArchive::addParsedToken(TarnArchive &section, TokenRun &run, std::size_t length) {
     // A token longer than a name and a value of a block together never fits one: it goes to the
     // map without being taken apart twice.
@@ -164,8 +230,9 @@ void TarnStringArchive::addParsedToken(TarnArchive &section, TokenRun &run, std:
         run.spans.clear();
         run.intoMap = true;
     }
-    bufferToken(lastDelimiter + 1, length);
-    addBufferedToken(section, length);
+    const char *start = text.data() + lastDelimiter + 1;
+    addTokenInPlace(section, text, static_cast<std::size_t>(lastDelimiter + 1) + length,
+                    splitToken(start, length, false));
 }
 
 void TarnStringArchive::bufferToken(std::int64_t start, std::size_t length) {
@@ -218,7 +285,7 @@ void TarnStringArchive::parseSection(TarnArchive &section) {
         } else if (byte == ';') {
             const auto tokenLength = static_cast<std::size_t>(position - lastDelimiter - 1);
             if (tokenLength > tokenBufferLength) {
-                growTokenBuffer(tokenLength);
+                reserveTokenBuffer(tokenBuffer, tokenBufferLength, tokenLength);
             }
             addParsedToken(*open.back(), run, tokenLength);
             lastToken = lastDelimiter + 1;
@@ -240,6 +307,7 @@ void TarnStringArchive::parseSection(TarnArchive &section) {
 }
 
 void TarnStringArchive::appendSection(TarnArchive &section) {
+    text.reserve(text.size() + tarn::sectionTextLength(section));
     tarn::walkSections(
         section,
         [this](TarnArchive &node) {

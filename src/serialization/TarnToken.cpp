@@ -1,6 +1,8 @@
 // TarnToken: the text forms of values and their reading back.
 #include "tarn/serialization/TarnToken.h"
 
+#include "foundation/TarnAsciiBytes.h"
+#include "foundation/TarnNumberReader.h"
 #include "serialization/TarnNumberText.h"
 #include "serialization/TarnTokenText.h"
 
@@ -24,6 +26,12 @@ std::uint32_t leadingInt32(const TarnString &text) {
     return value;
 }
 
+// The first blank in [first, last), or last.
+const char *findBlank(const char *first, const char *last) {
+    const void *blank = std::memchr(first, ' ', static_cast<std::size_t>(last - first));
+    return blank != nullptr ? static_cast<const char *>(blank) : last;
+}
+
 // Calls `read(first, last)` for each piece of [first, last) between blanks, in order, until
 // `count` pieces have been handed over. Only the blank separates; runs of blanks count once.
 template <class Reader>
@@ -36,11 +44,43 @@ void forEachPiece(const char *first, const char *last, unsigned int count, Reade
         if (first == last) {
             return;
         }
-        const void *blank = std::memchr(first, ' ', static_cast<std::size_t>(last - first));
-        const char *pieceEnd = blank != nullptr ? static_cast<const char *>(blank) : last;
+        const char *pieceEnd = findBlank(first, last);
         read(index, first, pieceEnd);
         ++index;
         first = pieceEnd;
+    }
+}
+
+// Reads the piece at `first` (a non-blank byte) into `value` where it starts with a number, and
+// returns the piece's end. A number never holds a blank, so where the piece starts with no white
+// space to skip, reading over the rest of the text stops where reading the piece alone would: the
+// piece's end is then found from the number's end, usually the blank right behind it, without a
+// search.
+const char *readDoublePiece(const char *first, const char *last, double &value) {
+    if (tarn::isAsciiSpace(*first)) {
+        const char *pieceEnd = findBlank(first, last);
+        nt::readDouble(first, pieceEnd, value);
+        return pieceEnd;
+    }
+    const tarn::numberreader::RealRead<double> read = tarn::numberreader::readDouble(first, last);
+    if (read.status == tarn::numberreader::ReadStatus::noNumber) {
+        return findBlank(first, last);
+    }
+    value = read.value;
+    return read.end != last && *read.end == ' ' ? read.end : findBlank(read.end, last);
+}
+
+// Reads the pieces of [first, last) between blanks into values[0] to values[count - 1], in order,
+// as forEachPiece with nt::readDouble would.
+void readDoubleList(const char *first, const char *last, double *values, unsigned int count) {
+    for (unsigned int index = 0; index < count; ++index) {
+        while (first != last && *first == ' ') {
+            ++first;
+        }
+        if (first == last) {
+            return;
+        }
+        first = readDoublePiece(first, last, values[index]);
     }
 }
 
@@ -184,10 +224,7 @@ TarnSerializable *TarnToken::getPointerValue() const {
 }
 
 void TarnToken::getDoubles(double *values, unsigned int count) const {
-    forEachPiece(text.data(), textEnd(text), count,
-                 [values](unsigned int index, const char *first, const char *last) {
-                     nt::readDouble(first, last, values[index]);
-                 });
+    readDoubleList(text.data(), textEnd(text), values, count);
 }
 
 void TarnToken::getDoubles(TarnArray<double> &values) const {

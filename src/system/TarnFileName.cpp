@@ -1,6 +1,7 @@
 // TarnFileName: taking backslash paths apart, rebuilding them, stepping numbers, file queries.
 #include "tarn/system/TarnFileName.h"
 
+#include "foundation/TarnAsciiBytes.h"
 #include "platform/TarnPlatform.h"
 
 #include <string>
@@ -12,10 +13,6 @@ constexpr char kExtensionMark = '.';
 constexpr char kDriveMark = ':';
 constexpr unsigned int kInvalidSize = 0xFFFFFFFFu;
 constexpr std::uint64_t kInvalidFileTime = 0xFFFFFFFFFFFFFFFFull;
-
-bool isDecimalDigit(char byte) {
-    return byte >= '0' && byte <= '9';
-}
 
 // A text with a NUL byte inside would reach the system cut short and so name another file:
 // the queries treat it as naming nothing.
@@ -167,7 +164,7 @@ void TarnFileName::increment() {
     }
     // Find the run of digits at the end of the name; what stands in front of it is the stem.
     std::size_t runStart = name.size();
-    while (runStart > 0 && isDecimalDigit(name[static_cast<unsigned int>(runStart - 1)])) {
+    while (runStart > 0 && tarn::isAsciiDigit(name[static_cast<unsigned int>(runStart - 1)])) {
         --runStart;
     }
     std::string stepped = name.substr(0, runStart);

@@ -112,22 +112,10 @@ TEST(TarnINIFileTest, IntegerScansTakeTheLeadingNumberOrLeaveTheOutput) {
 TEST(TarnINIFileTest, RealScansFollowTheStandardGrammarInTheCLocale) {
     const double inf = std::numeric_limits<double>::infinity();
     const double kept = 99.0;
-    const std::string wide = "1" + std::string(400, '0'); // out of range without an exponent
-    const ScanCase<double> cases[] = {{"  +2.5xyz", 2.5},  {"1,5", 1.0},
-                                      {"1e", 1.0},         {".5", 0.5},
-                                      {"5.", 5.0},         {"0x1p3", 8.0},
-                                      {"-0x1.8", -1.5},    {"0x", 0.0},
-                                      {"0xg", 0.0},        {"1e400", inf},
-                                      {"-1e400", -inf},    {"1e-400", 0.0},
-                                      {"INF", inf},        {"-Infinity", -inf},
-                                      {"0x1p99999", inf},  {"--1", kept},
-                                      {".", kept},         {"e5", kept},
-                                      {"", kept},          {"+-1", kept},
-                                      {"++1", kept},       {"0X10", 16.0},
-                                      {"1e+400", inf},     {"0.0001e-400", 0.0},
-                                      {wide.c_str(), inf}, {"1e99999999999999999999", inf},
-                                      {"0x1.8p+-5", 1.5},  {"-0x1.8p+-9999", -1.5},
-                                      {"0x1p", 1.0},       {"0x1P-1", 0.5}};
+    // The grammar itself is the number reader's; these cases show the wrapper's rules: a text
+    // without a number keeps the output, one out of range saturates.
+    const ScanCase<double> cases[] = {{"  +2.5xyz", 2.5}, {"0x1p3", 8.0}, {"1e400", inf},
+                                      {"-1e400", -inf},   {"--1", kept},  {"", kept}};
     auto file = makeINIFile();
     expectScans(*file, cases, kept, &TarnINIFile::getPrivateProfileDouble, "%lf");
     // "%f" rounds to float once: beyond float's range is infinite although a double would hold it.

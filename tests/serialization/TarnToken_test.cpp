@@ -86,23 +86,11 @@ TEST(TarnTokenTest, IntegersAre32BitPatterns) {
 
 TEST(TarnTokenTest, DoubleReaderFollowsAtofInTheCLocale) {
     const double inf = Limits::infinity();
-    const std::string wide = "1" + std::string(400, '0'); // out of range without an exponent
-    const std::pair<const char *, double> cases[] = {
-        {"12abc", 12.0},      {"  -3.5", -3.5},
-        {"+2", 2.0},          {"\t\n.5", 0.5},
-        {"0x1p3", 8.0},       {"-0X10", -16.0},
-        {"0xg", 0.0},         {"0xinf", 0.0},
-        {"1e400", inf},       {"-1e400", -inf},
-        {"1e-400", 0.0},      {"-Infinity", -inf},
-        {"e5", 0.0},          {"+-1", 0.0},
-        {"1,5", 1.0},         {"1.5e", 1.5},
-        {"0.001e-400", 0.0},  {"123.4e307", inf},
-        {"1e+400", inf},      {"0x1p99999", inf},
-        {"0x.8p1", 1.0},      {"0x.g", 0.0},
-        {"++1", 0.0},         {wide.c_str(), inf},
-        {"-0x1p-99999", 0.0}, {"1e99999999999999999999", inf},
-        {"0x1.8p+-5", 1.5},   {"-0x1.8p+-9999", -1.5},
-        {"0x1p", 1.0},        {"0x1P-1", 0.5}}; // no exponent without a digit
+    // The grammar itself is the number reader's; these cases show the token's rules: a text
+    // without a number reads as 0, one out of range as an infinity or a zero.
+    const std::pair<const char *, double> cases[] = {{"12abc", 12.0},  {"0x1p3", 8.0}, {"0xinf", 0.0},
+                                                     {"e5", 0.0},      {"+-1", 0.0},   {"1e400", inf},
+                                                     {"-1e400", -inf}, {"1e-400", 0.0}};
     for (const auto &c : cases) {
         EXPECT_EQ(tokenOf(c.first).getDoubleValue(), c.second) << c.first;
     }
@@ -111,8 +99,9 @@ TEST(TarnTokenTest, DoubleReaderFollowsAtofInTheCLocale) {
     EXPECT_TRUE(std::signbit(tokenOf("-nan").getDoubleValue()));
 }
 
-// The list form of the hot path must give exactly printf's "%.18e " for every value, specials and
-// random bit patterns of every exponent, and read back to the same bits; floats give "%.8e".
+// The list form of the hot path must give exactly printf's "%.18e " for every value, specials,
+// ties and random bit patterns of every exponent, and read back to the same bits; floats give
+// "%.8e".
 TEST(TarnTokenTest, NumberTextsEqualPrintfByteForByte) {
     const std::uint32_t seed = 20261123;
     std::mt19937_64 random(seed);
@@ -134,8 +123,20 @@ TEST(TarnTokenTest, NumberTextsEqualPrintfByteForByte) {
                                 -Limits::infinity(),
                                 Limits::quiet_NaN(),
                                 -Limits::quiet_NaN()};
+    // Few-bit values hold exact ties at the 19th and the 9th digit (2^-28 has 20 digits ending
+    // in 5), which both printf and the token round half to even.
+    for (int power = 0; power <= 40; ++power) {
+        for (int odd = 1; odd < 64; odd += 2) {
+            values.push_back(std::ldexp(static_cast<double>(odd), -power));
+        }
+    }
     while (values.size() < 200000) {
-        const std::uint64_t bits = random();
+        std::uint64_t bits = random();
+        if (values.size() % 2 == 0) {
+            // Every other value of moderate magnitude, 2^-80 to 2^80, where the usual archive
+            // values lie.
+            bits = (bits & 0x800FFFFFFFFFFFFFu) | (static_cast<std::uint64_t>(943 + random() % 160) << 52);
+        }
         double value;
         std::memcpy(&value, &bits, sizeof value);
         values.push_back(value);

@@ -62,8 +62,6 @@ protected:
 
     /// Grows the token buffer to take `length` bytes plus the NUL, losing its contents.
     void growTokenBuffer(std::size_t length);
-    /// Adds the token held in the first `length` bytes of the token buffer to `section`.
-    void addBufferedToken(TarnArchive &section, std::size_t length);
 
     TarnString text;               ///< The text the parser reads and the string writer makes.
     std::int64_t position;         ///< Index in `text` of the next byte to look at
