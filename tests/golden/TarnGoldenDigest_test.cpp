@@ -14,7 +14,6 @@
 #include <cstdint>
 #include <cstring>
 #include <fstream>
-#include <functional>
 #include <iomanip>
 #include <iterator>
 #include <limits>
@@ -29,23 +28,23 @@ namespace {
 
 class Digest {
 public:
-    void byte(std::uint8_t value) { state_ = (state_ ^ value) * 0x100000001B3ull; }
-    void word(std::uint32_t value) {
-        for (int shift = 0; shift < 32; shift += 8) {
-            byte(static_cast<std::uint8_t>(value >> shift));
+    // The low `width` bits of a value, byte by byte from the lowest.
+    void bits(std::uint64_t value, int width) {
+        for (int shift = 0; shift < width; shift += 8) {
+            state_ = (state_ ^ static_cast<std::uint8_t>(value >> shift)) * 0x100000001B3ull;
         }
     }
+    void word(std::uint32_t value) { bits(value, 32); }
     void number(double value) {
-        std::uint64_t bits = 0;
-        std::memcpy(&bits, &value, sizeof bits);
-        for (int shift = 0; shift < 64; shift += 8) {
-            byte(static_cast<std::uint8_t>(bits >> shift));
-        }
+        std::uint64_t pattern = 0;
+        std::memcpy(&pattern, &value, sizeof pattern);
+        bits(pattern, 64);
     }
-    void text(const std::string &bytes) {
+    template <typename Bytes>
+    void text(const Bytes &bytes) {
         word(static_cast<std::uint32_t>(bytes.size()));
-        for (char value : bytes) {
-            byte(static_cast<std::uint8_t>(value));
+        for (auto value : bytes) {
+            bits(static_cast<std::uint8_t>(value), 8);
         }
     }
     void matrix(const TarnMatrix &m) {
@@ -89,11 +88,12 @@ public:
         const auto integer = static_cast<std::int64_t>(next() >> 11) - (std::int64_t(1) << 52);
         return std::ldexp(static_cast<double>(integer), -52);
     }
-    TarnMatrix matrix(int rows, int cols) {
+    // Each element is value() times scale, rounded once.
+    TarnMatrix matrix(int rows, int cols, double scale = 1.0) {
         TarnMatrix m(rows, cols);
         for (int i = 0; i < rows; ++i) {
             for (int j = 0; j < cols; ++j) {
-                m[i][j] = value();
+                m[i][j] = value() * scale;
             }
         }
         return m;
@@ -118,12 +118,7 @@ const int kSizes[] = {1,  2,  3,  4,  5,  6,  7,  8,  9,   10,  11,  12,  13,  1
 
 // ---- The battery -------------------------------------------------------------------------------
 
-// c = a x b, by some path.
-using Product = std::function<void(const TarnMatrix &a, const TarnMatrix &b, TarnMatrix &c)>;
-// x = a^-1 b (or a^-1 when b is null), by some path; false when a pivot is 0.
-using Solver = std::function<bool(const TarnMatrix &a, const TarnMatrix *b, TarnMatrix &x)>;
-
-std::uint64_t timesDigest(const Product &product) {
+std::uint64_t timesDigest() {
     Sequence inputs(1);
     Digest digest;
     for (int n : kSizes) {
@@ -131,14 +126,15 @@ std::uint64_t timesDigest(const Product &product) {
             const TarnMatrix a = inputs.matrix(n, depth);
             const TarnMatrix b = inputs.matrix(depth, n);
             TarnMatrix c;
-            product(a, b, c);
+            EXPECT_TRUE(a.times(c, b));
             digest.matrix(c);
         }
     }
     return digest.value();
 }
 
-std::uint64_t solveDigest(const Solver &solver, bool invert) {
+// x = a^-1 b for right sides of 1 and 3 columns, or x = a^-1.
+std::uint64_t solveDigest(bool invert) {
     Sequence inputs(invert ? 3 : 2);
     Digest digest;
     for (int n : kSizes) {
@@ -146,7 +142,7 @@ std::uint64_t solveDigest(const Solver &solver, bool invert) {
         for (int columns : {1, 3}) {
             const TarnMatrix b = inputs.matrix(n, columns);
             TarnMatrix x;
-            EXPECT_TRUE(solver(a, invert ? nullptr : &b, x)) << "order " << n;
+            EXPECT_TRUE(invert ? a.invert(x) : a.solve(x, b)) << "order " << n;
             digest.matrix(x);
             if (invert) {
                 break;
@@ -199,12 +195,7 @@ std::uint64_t makeUnitDigest() {
     for (int length : {1, 2, 3, 7, 17, 100, 1000}) {
         for (double scale : {1.0, 1e-160, 1e160, 1e-310}) {
             for (bool row : {true, false}) {
-                TarnMatrix v = inputs.matrix(row ? 1 : length, row ? length : 1);
-                for (int i = 0; i < v.nRows(); ++i) {
-                    for (int j = 0; j < v.nCols(); ++j) {
-                        v[i][j] *= scale;
-                    }
-                }
+                TarnMatrix v = inputs.matrix(row ? 1 : length, row ? length : 1, scale);
                 EXPECT_TRUE(v.makeUnit());
                 digest.matrix(v);
             }
@@ -232,7 +223,7 @@ std::uint64_t rc4Digest() {
             const std::vector<unsigned char> data = inputs.bytes(dataLength);
             std::vector<unsigned char> output(data.size());
             TarnCrypt::rc4Encrypt(key.data(), keyLength, data.data(), dataLength, output.data());
-            digest.text(std::string(output.begin(), output.end()));
+            digest.text(output);
         }
     }
     return digest.value();
@@ -250,10 +241,18 @@ std::uint64_t xteaDigest() {
             std::vector<unsigned char> output(data.size());
             EXPECT_TRUE(TarnCrypt::xteaBlock(rounds, data.data(), static_cast<unsigned int>(data.size()),
                                              output.data(), key, encipher));
-            digest.text(std::string(output.begin(), output.end()));
+            digest.text(output);
         }
     }
     return digest.value();
+}
+
+// Adds a token of the value(s) given to an archive.
+template <typename... Value>
+void addToken(TarnArchive &archive, const char *name, Value... value) {
+    TarnToken token;
+    token.setValue(value...);
+    archive.addToken(name, token);
 }
 
 // A leaf of the stored graph: a number and a pointer to another leaf.
@@ -265,9 +264,8 @@ public:
     bool isModified() override { return false; }
     void serializeStore(TarnArchive &archive) override {
         TarnSerializable::serializeStore(archive);
+        addToken(archive, "value", value);
         TarnToken token;
-        token.setValue(value);
-        archive.addToken("value", token);
         token.setPointerValue(partner);
         archive.addToken("partner", token);
     }
@@ -285,23 +283,14 @@ public:
     bool isModified() override { return false; }
     void serializeStore(TarnArchive &archive) override {
         TarnSerializable::serializeStore(archive);
-        TarnToken token;
-        token.setValue(true);
-        archive.addToken("bool", token);
-        token.setValue(0.1f);
-        archive.addToken("float", token);
-        token.setValue(INT_MIN);
-        archive.addToken("int", token);
-        token.setValue(4294967295ul);
-        archive.addToken("unsignedLong", token);
-        token.setValue(static_cast<unsigned short>(65535));
-        archive.addToken("unsignedShort", token);
-        token.setValue(static_cast<unsigned char>(200));
-        archive.addToken("unsignedChar", token);
-        token.setValue("a text, with spaces");
-        archive.addToken("text", token);
-        token.setValue(numbers.data(), static_cast<unsigned int>(numbers.size()));
-        archive.addToken("numbers", token);
+        addToken(archive, "bool", true);
+        addToken(archive, "float", 0.1f);
+        addToken(archive, "int", INT_MIN);
+        addToken(archive, "unsignedLong", 4294967295ul);
+        addToken(archive, "unsignedShort", static_cast<unsigned short>(65535));
+        addToken(archive, "unsignedChar", static_cast<unsigned char>(200));
+        addToken(archive, "text", "a text, with spaces");
+        addToken(archive, "numbers", numbers.data(), static_cast<unsigned int>(numbers.size()));
         matrix.serializeStore(archive.addChild());
         packed.serializeStore(archive.addChild());
         for (unsigned i = 0; i < leaves.size(); ++i) {
@@ -333,19 +322,20 @@ std::string withoutPointerTexts(std::string text) {
 std::string archiveText() {
     Sequence inputs(10);
     GoldenGraph graph;
+    using limits = std::numeric_limits<double>;
     graph.numbers = {0.0,
                      -0.0,
                      1.0 / 3.0,
                      -2.5e-310,
-                     std::numeric_limits<double>::denorm_min(),
-                     std::numeric_limits<double>::max(),
-                     -std::numeric_limits<double>::min(),
+                     limits::denorm_min(),
+                     limits::max(),
+                     -limits::min(),
                      123456789.125,
                      1e21,
                      1e-7,
-                     std::numeric_limits<double>::infinity(),
-                     -std::numeric_limits<double>::infinity(),
-                     std::numeric_limits<double>::quiet_NaN()};
+                     limits::infinity(),
+                     -limits::infinity(),
+                     limits::quiet_NaN()};
     for (int i = 0; i < 20; ++i) {
         graph.numbers.push_back(std::ldexp(inputs.value(), static_cast<int>(inputs.next() % 2000) - 1000));
     }
@@ -368,14 +358,15 @@ std::string archiveText() {
     return withoutPointerTexts(archive.getText());
 }
 
-std::string readFile(const std::string &path) {
-    std::ifstream stream(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
-}
-
 // The saved bytes of a fixed configuration, with the platform's line end read as "\n". Values come
 // only through writes that print no floating-point text by printf ("%d" and "%x" print the same
 // everywhere); doubles go in through the token's stream form.
+#if defined(_WIN32)
+const bool kWindows = true;
+#else
+const bool kWindows = false;
+#endif
+
 std::string iniText() {
     const std::string path = ::testing::TempDir() + "tarn_golden_digest.ini";
     TarnINIFile *ini = newTarnINIFile(path.c_str());
@@ -392,25 +383,21 @@ std::string iniText() {
     (*ini)["empty"];
     EXPECT_TRUE(ini->write(nullptr));
     ini->dispose();
-    std::string text = readFile(path);
+    std::ifstream stream(path, std::ios::binary);
+    std::string text(std::istreambuf_iterator<char>(stream), {}), lines;
+    stream.close();
     std::remove(path.c_str());
-#if defined(_WIN32)
-    // Windows ends each line with CR LF; this model holds no other CR or LF.
-    std::string lines;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '\n') {
-            EXPECT_TRUE(i > 0 && text[i - 1] == '\r')
-                << "a line feed without a carriage return at byte " << i;
+    for (char byte : text) {
+        // Windows ends each line with CR LF; this model holds no other CR or LF.
+        if (byte == '\n' && kWindows) {
+            EXPECT_TRUE(!lines.empty() && lines.back() == '\r') << "a line feed without a carriage return";
             if (!lines.empty() && lines.back() == '\r') {
                 lines.pop_back();
             }
         }
-        lines += text[i];
+        lines += byte;
     }
     return lines;
-#else
-    return text;
-#endif
 }
 
 std::uint64_t textDigest(const std::string &text) {
@@ -457,15 +444,9 @@ TEST(TarnGoldenDigestTest, TheLibraryGivesTheGoldenBitsOnEveryKernelPath) {
     for (KernelPath path : {KernelPath::portable, KernelPath::sse2, KernelPath::avx2, KernelPath::avx512}) {
         SCOPED_TRACE(testing::Message() << "kernel path " << static_cast<int>(path));
         const KernelPathLimit limit(path);
-        expectGolden("times", timesDigest([](const TarnMatrix &a, const TarnMatrix &b, TarnMatrix &c) {
-                         EXPECT_TRUE(a.times(c, b));
-                     }));
-        expectGolden("solve", solveDigest([](const TarnMatrix &a, const TarnMatrix *b,
-                                             TarnMatrix &x) { return a.solve(x, *b); },
-                                          false));
-        expectGolden("invert", solveDigest([](const TarnMatrix &a, const TarnMatrix *,
-                                              TarnMatrix &x) { return a.invert(x); },
-                                           true));
+        expectGolden("times", timesDigest());
+        expectGolden("solve", solveDigest(false));
+        expectGolden("invert", solveDigest(true));
         expectGolden("AtA", AtADigest());
         expectGolden("triangular", triangularDigest());
         expectGolden("xteaBlock", xteaDigest());
