@@ -323,19 +323,10 @@ std::string archiveText() {
     Sequence inputs(10);
     GoldenGraph graph;
     using limits = std::numeric_limits<double>;
-    graph.numbers = {0.0,
-                     -0.0,
-                     1.0 / 3.0,
-                     -2.5e-310,
-                     limits::denorm_min(),
-                     limits::max(),
-                     -limits::min(),
-                     123456789.125,
-                     1e21,
-                     1e-7,
-                     limits::infinity(),
-                     -limits::infinity(),
-                     limits::quiet_NaN()};
+    const double tiny = limits::denorm_min(), max = limits::max(), min = limits::min(),
+                 inf = limits::infinity();
+    graph.numbers = {0.0,  -0.0, 1.0 / 3.0, -2.5e-310,          tiny, max, -min, 123456789.125, 1e21,
+                     1e-7, inf,  -inf,      limits::quiet_NaN()};
     for (int i = 0; i < 20; ++i) {
         graph.numbers.push_back(std::ldexp(inputs.value(), static_cast<int>(inputs.next() % 2000) - 1000));
     }

@@ -1,4 +1,4 @@
-// Tests of TarnSystem: debug output, processors, unity, dir, mkdir, cp and scratch names.
+// Tests of TarnSystem: debug output, unity, dir, mkdir, cp and scratch names.
 #include "tarn/system/TarnSystem.h"
 
 #include "system/ScratchDirectory.h"
@@ -12,7 +12,6 @@
 #include <filesystem>
 #include <limits>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace {
@@ -41,15 +40,6 @@ TEST(TarnSystemTest, OutMakesOneHandlerCallPerWriteWithNothingAdded) {
     TarnSystem::setDebugHandler(nullptr, nullptr);
     TarnSystem::out("to the platform channel, not to the handler\n");
     EXPECT_EQ(writes, (std::vector<std::string>{"first", "second\n", ""}));
-}
-
-TEST(TarnSystemTest, ProcessorCountIsWhatTheSystemReports) {
-    const int count = TarnSystem::getNumberOfSystemProcessors();
-    EXPECT_GE(count, 1);
-    const unsigned int reported = std::thread::hardware_concurrency();
-    if (reported != 0) {
-        EXPECT_EQ(static_cast<unsigned int>(count), reported);
-    }
 }
 
 TEST(TarnSystemTest, UnityLimitsToMinusOneToOne) {
