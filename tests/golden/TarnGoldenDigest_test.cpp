@@ -118,9 +118,16 @@ const int kSizes[] = {1,  2,  3,  4,  5,  6,  7,  8,  9,   10,  11,  12,  13,  1
 
 // ---- The battery -------------------------------------------------------------------------------
 
-std::uint64_t timesDigest() {
-    Sequence inputs(1);
+// The digest of what `battery` computes from the inputs of `seed`.
+template <typename Battery>
+std::uint64_t digestOf(std::uint64_t seed, Battery battery) {
+    Sequence inputs(seed);
     Digest digest;
+    battery(inputs, digest);
+    return digest.value();
+}
+
+void timesBattery(Sequence &inputs, Digest &digest) {
     for (int n : kSizes) {
         for (int depth : {n, 7}) {
             const TarnMatrix a = inputs.matrix(n, depth);
@@ -130,13 +137,10 @@ std::uint64_t timesDigest() {
             digest.matrix(c);
         }
     }
-    return digest.value();
 }
 
 // x = a^-1 b for right sides of 1 and 3 columns, or x = a^-1.
-std::uint64_t solveDigest(bool invert) {
-    Sequence inputs(invert ? 3 : 2);
-    Digest digest;
+void solveBattery(Sequence &inputs, Digest &digest, bool invert) {
     for (int n : kSizes) {
         const TarnMatrix a = inputs.matrix(n, n);
         for (int columns : {1, 3}) {
@@ -149,12 +153,9 @@ std::uint64_t solveDigest(bool invert) {
             }
         }
     }
-    return digest.value();
 }
 
-std::uint64_t AtADigest() {
-    Sequence inputs(4);
-    Digest digest;
+void AtABattery(Sequence &inputs, Digest &digest) {
     for (int n : kSizes) {
         const TarnMatrix a = inputs.matrix(n + 2, n);
         for (int storage : {0, 1}) {
@@ -163,12 +164,9 @@ std::uint64_t AtADigest() {
             digest.packed(normal, storage == 0);
         }
     }
-    return digest.value();
 }
 
-std::uint64_t triangularDigest() {
-    Sequence inputs(5);
-    Digest digest;
+void triangularBattery(Sequence &inputs, Digest &digest) {
     for (int n : kSizes) {
         TarnUpperTriangularMatrix upper;
         upper.resize(n, n);
@@ -185,13 +183,10 @@ std::uint64_t triangularDigest() {
         EXPECT_TRUE(upper.times(product, right));
         digest.matrix(product);
     }
-    return digest.value();
 }
 
 // Unit vectors of rows and columns, with lengths that underflow and overflow on the way.
-std::uint64_t makeUnitDigest() {
-    Sequence inputs(6);
-    Digest digest;
+void makeUnitBattery(Sequence &inputs, Digest &digest) {
     for (int length : {1, 2, 3, 7, 17, 100, 1000}) {
         for (double scale : {1.0, 1e-160, 1e160, 1e-310}) {
             for (bool row : {true, false}) {
@@ -201,22 +196,16 @@ std::uint64_t makeUnitDigest() {
             }
         }
     }
-    return digest.value();
 }
 
-std::uint64_t crossProductDigest() {
-    Sequence inputs(7);
-    Digest digest;
+void crossProductBattery(Sequence &inputs, Digest &digest) {
     for (int pair = 0; pair < 50; ++pair) {
         digest.matrix(TarnMatrix::crossProduct(inputs.matrix(3, 1), inputs.matrix(3, 1)));
     }
     digest.matrix(TarnMatrix::crossProduct(inputs.matrix(1, 3), inputs.matrix(3, 1)));
-    return digest.value();
 }
 
-std::uint64_t rc4Digest() {
-    Sequence inputs(8);
-    Digest digest;
+void rc4Battery(Sequence &inputs, Digest &digest) {
     for (int keyLength : {1, 5, 16, 256, 300}) {
         const std::vector<unsigned char> key = inputs.bytes(keyLength);
         for (int dataLength : {1, 255, 1000}) {
@@ -226,12 +215,9 @@ std::uint64_t rc4Digest() {
             digest.text(output);
         }
     }
-    return digest.value();
 }
 
-std::uint64_t xteaDigest() {
-    Sequence inputs(9);
-    Digest digest;
+void xteaBattery(Sequence &inputs, Digest &digest) {
     const std::vector<unsigned char> data = inputs.bytes(64);
     for (unsigned int rounds : {0u, 1u, 7u, 32u, 64u}) {
         const std::uint32_t key[4] = {static_cast<std::uint32_t>(inputs.next()),
@@ -244,7 +230,6 @@ std::uint64_t xteaDigest() {
             digest.text(output);
         }
     }
-    return digest.value();
 }
 
 // Adds a token of the value(s) given to an archive.
@@ -349,15 +334,15 @@ std::string archiveText() {
     return withoutPointerTexts(archive.getText());
 }
 
-// The saved bytes of a fixed configuration, with the platform's line end read as "\n". Values come
-// only through writes that print no floating-point text by printf ("%d" and "%x" print the same
-// everywhere); doubles go in through the token's stream form.
 #if defined(_WIN32)
 const bool kWindows = true;
 #else
 const bool kWindows = false;
 #endif
 
+// The saved bytes of a fixed configuration, with the platform's line end read as "\n". Values come
+// only through writes that print no floating-point text by printf ("%d" and "%x" print the same
+// everywhere); doubles go in through the token's stream form.
 std::string iniText() {
     const std::string path = ::testing::TempDir() + "tarn_golden_digest.ini";
     TarnINIFile *ini = newTarnINIFile(path.c_str());
@@ -381,10 +366,9 @@ std::string iniText() {
     for (char byte : text) {
         // Windows ends each line with CR LF; this model holds no other CR or LF.
         if (byte == '\n' && kWindows) {
-            EXPECT_TRUE(!lines.empty() && lines.back() == '\r') << "a line feed without a carriage return";
-            if (!lines.empty() && lines.back() == '\r') {
-                lines.pop_back();
-            }
+            const bool carriageReturn = !lines.empty() && lines.back() == '\r';
+            EXPECT_TRUE(carriageReturn) << "a line feed without a carriage return";
+            lines.resize(lines.size() - carriageReturn);
         }
         lines += byte;
     }
@@ -435,16 +419,16 @@ TEST(TarnGoldenDigestTest, TheLibraryGivesTheGoldenBitsOnEveryKernelPath) {
     for (KernelPath path : {KernelPath::portable, KernelPath::sse2, KernelPath::avx2, KernelPath::avx512}) {
         SCOPED_TRACE(testing::Message() << "kernel path " << static_cast<int>(path));
         const KernelPathLimit limit(path);
-        expectGolden("times", timesDigest());
-        expectGolden("solve", solveDigest(false));
-        expectGolden("invert", solveDigest(true));
-        expectGolden("AtA", AtADigest());
-        expectGolden("triangular", triangularDigest());
-        expectGolden("xteaBlock", xteaDigest());
+        expectGolden("times", digestOf(1, timesBattery));
+        expectGolden("solve", digestOf(2, [](Sequence &in, Digest &out) { solveBattery(in, out, false); }));
+        expectGolden("invert", digestOf(3, [](Sequence &in, Digest &out) { solveBattery(in, out, true); }));
+        expectGolden("AtA", digestOf(4, AtABattery));
+        expectGolden("triangular", digestOf(5, triangularBattery));
+        expectGolden("xteaBlock", digestOf(9, xteaBattery));
     }
-    expectGolden("makeUnit", makeUnitDigest());
-    expectGolden("crossProduct", crossProductDigest());
-    expectGolden("rc4Encrypt", rc4Digest());
+    expectGolden("makeUnit", digestOf(6, makeUnitBattery));
+    expectGolden("crossProduct", digestOf(7, crossProductBattery));
+    expectGolden("rc4Encrypt", digestOf(8, rc4Battery));
     expectGolden("archive", textDigest(archiveText()));
     expectGolden("ini", textDigest(iniText()));
 }
