@@ -3,7 +3,7 @@
 // from integers, so every build starts from the same bits; the digests are FNV-1a (64 bits) over the
 // results' bytes in little-endian order, so every build reduces them alike. Left out: `dump` and
 // `format`, which print through the platform's printf.
-#include "foundation/TarnProcessor.h"
+#include "linalg/LinalgTestSupport.h"
 
 #include <tarn/tarn.h>
 
@@ -403,22 +403,13 @@ void expectGolden(const std::string &name, std::uint64_t digest) {
         << "the digest of " << name << " changed: {\"" << name << "\", " << hex(digest) << "},";
 }
 
-// Runs a scope's kernels on no path wider than the one given, and lifts the limit at its end.
-class KernelPathLimit {
-public:
-    explicit KernelPathLimit(tarn::KernelPath widest) { tarn::limitKernelPath(widest); }
-    ~KernelPathLimit() { tarn::limitKernelPath(tarn::KernelPath::avx512); }
-    KernelPathLimit(const KernelPathLimit &) = delete;
-    KernelPathLimit &operator=(const KernelPathLimit &) = delete;
-};
-
 // The library's own operations on each kernel path in turn (a path the processor lacks runs the
 // next narrower one), then the results that no kernel computes.
 TEST(TarnGoldenDigestTest, TheLibraryGivesTheGoldenBitsOnEveryKernelPath) {
     using tarn::KernelPath;
     for (KernelPath path : {KernelPath::portable, KernelPath::sse2, KernelPath::avx2, KernelPath::avx512}) {
         SCOPED_TRACE(testing::Message() << "kernel path " << static_cast<int>(path));
-        const KernelPathLimit limit(path);
+        const tarntest::KernelPathLimit limit(path);
         expectGolden("times", digestOf(1, timesBattery));
         expectGolden("solve", digestOf(2, [](Sequence &in, Digest &out) { solveBattery(in, out, false); }));
         expectGolden("invert", digestOf(3, [](Sequence &in, Digest &out) { solveBattery(in, out, true); }));
