@@ -159,15 +159,11 @@ TEST(TarnThreadTest, OutOfMemoryGivesAThreadThatEndedAtOnceWithoutAnException) {
         SCOPED_TRACE(testing::Message() << allowed << " allocations granted");
         std::atomic<int> runs{0};
         tarntest::FunctionThread thread([&runs] { ++runs; });
-        bool threw = false;
         bool started = false;
-        try {
+        EXPECT_NO_THROW({
             const tarntest::FailingAllocations failing(allowed);
             started = thread.start(TarnThread::Normal);
-        } catch (...) {
-            threw = true;
-        }
-        EXPECT_FALSE(threw);
+        });
         EXPECT_TRUE(started);
         EXPECT_FALSE(thread.running());
         EXPECT_TRUE(thread.finished());
