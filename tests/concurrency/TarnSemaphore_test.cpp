@@ -164,10 +164,6 @@ TEST(TarnSemaphoreTest, CountsUnitsUpToItsMaximum) {
     TarnSemaphore mutex; // one unit by default
     EXPECT_TRUE(mutex.tryAcquire(1));
     EXPECT_FALSE(mutex.tryAcquire(1));
-    const TarnObject &object = mutex;
-    EXPECT_EQ(object.getClassName(), "TarnSemaphore");
-    EXPECT_TRUE(object.isa("TarnSemaphore"));
-    EXPECT_FALSE(object.isa("TarnThread"));
 }
 
 TEST(TarnSemaphoreTest, CopiesShareOneCountAndOutliveTheOriginal) {
@@ -212,18 +208,14 @@ TEST(TarnSemaphoreTest, OutOfMemoryGivesADeadSemaphoreWithoutAnException) {
     if (!tarntest::FailingAllocations::reachLibrary()) {
         GTEST_SKIP() << "the library's allocations do not come from this program's operator new";
     }
-    bool threw = false;
     bool tookAUnit = true;
-    try {
+    EXPECT_NO_THROW({
         const tarntest::FailingAllocations failing;
         TarnSemaphore semaphore(2);
         semaphore.release(1);
         semaphore.acquire(1); // returns at once: there is nothing to wait on
         tookAUnit = semaphore.tryAcquire(1);
-    } catch (...) {
-        threw = true;
-    }
-    EXPECT_FALSE(threw);
+    });
     EXPECT_FALSE(tookAUnit);
 }
 

@@ -6,7 +6,6 @@
 #include <atomic>
 #include <chrono>
 #include <thread>
-#include <vector>
 
 namespace {
 
@@ -57,8 +56,6 @@ private:
 // whatever priority it starts at (7: in the enumeration's range, outside the table; the restart
 // stress test starts at every priority of the table) or is set while it runs or after it ended.
 TEST(TarnThreadTest, GoesFromNeverStartedToActiveToEndedAndRestartsAtAnyPriority) {
-    EXPECT_EQ(std::vector<int>(TarnThread::Priorities, TarnThread::Priorities + 7),
-              (std::vector<int>{-15, -2, -1, 0, 1, 2, 15}));
     Probe probe;
     GatedThread thread(probe);
     thread.setPriority(TarnThread::Highest); // no thread yet: does nothing
@@ -86,8 +83,6 @@ TEST(TarnThreadTest, GoesFromNeverStartedToActiveToEndedAndRestartsAtAnyPriority
     EXPECT_TRUE(thread.finished());
     EXPECT_EQ(probe.sawItselfActive.load(), 3) << "run began before the handle was in place";
     EXPECT_NE(probe.runThread, std::this_thread::get_id());
-    EXPECT_EQ(thread.getClassName(), "TarnThread");
-    EXPECT_TRUE(thread.isa("TarnThread"));
 }
 
 TEST(TarnThreadTest, BeginThreadRunsRunOnTheCallingThreadAndReturnsZero) {
@@ -164,15 +159,11 @@ TEST(TarnThreadTest, OutOfMemoryGivesAThreadThatEndedAtOnceWithoutAnException) {
         SCOPED_TRACE(testing::Message() << allowed << " allocations granted");
         std::atomic<int> runs{0};
         tarntest::FunctionThread thread([&runs] { ++runs; });
-        bool threw = false;
         bool started = false;
-        try {
+        EXPECT_NO_THROW({
             const tarntest::FailingAllocations failing(allowed);
             started = thread.start(TarnThread::Normal);
-        } catch (...) {
-            threw = true;
-        }
-        EXPECT_FALSE(threw);
+        });
         EXPECT_TRUE(started);
         EXPECT_FALSE(thread.running());
         EXPECT_TRUE(thread.finished());

@@ -26,14 +26,6 @@ std::string bytes(const char (&literal)[N]) {
     return std::string(literal, N - 1);
 }
 
-TEST(TarnINIFileTest, FormatTexts) {
-    auto file = makeINIFile();
-    EXPECT_EQ(std::string(file->getFloatString()), "%.6f");
-    EXPECT_EQ(std::string(file->getDoubleString()), "%.15f");
-    EXPECT_EQ(std::string(file->getExpString()), "%.15e");
-    EXPECT_EQ(std::string(file->getExpGString()), "%.15g");
-}
-
 struct ScanCase {
     const char *what;
     std::string input;

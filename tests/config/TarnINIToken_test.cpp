@@ -1,4 +1,4 @@
-// Tests of TarnINIToken: identity, typed reads of the text and the texts the setters make.
+// Tests of TarnINIToken: typed reads of the text and the texts the setters make.
 #include "config/TarnINITestSupport.h"
 
 #include <climits>
@@ -12,14 +12,6 @@ TarnINIToken tokenOf(const char *text) {
     TarnINIToken token;
     token.setValue(text);
     return token;
-}
-
-TEST(TarnINITokenTest, ClassIdentity) {
-    const TarnINIToken token;
-    const auto file = tarn_test::makeINIFile();
-    EXPECT_TRUE(token.isa("TarnINIToken") && !token.isa("TarnINIFile"));
-    EXPECT_TRUE(file->isa("TarnINIFile") && !file->isa("TarnINIToken"));
-    EXPECT_EQ(token.getClassName() + file->getClassName(), "TarnINITokenTarnINIFile");
 }
 
 TEST(TarnINITokenTest, BoolValueLooksOnlyAtTheFirstByte) {

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -102,8 +103,10 @@ TEST(TarnNumberReaderTest, RealsKeepTheSignOfZeroAndNaNAndRoundOnceToFloat) {
     EXPECT_EQ(once, std::nextafter(1.0f, 2.0f));
 }
 
+// Decimal reads give the low 64 bits and tell when they lost more; a hexadecimal prefix counts
+// only in front of a digit.
 TEST(TarnNumberReaderTest, IntegersGiveTheLow64BitsAndTellWhenTheyLostMore) {
-    const IntegerCase decimals[] = {
+    const std::vector<IntegerCase> decimals = {
         {"12abc", Status::exact, 12, false, 2},
         {" \t-7", Status::exact, 7, true, 4},
         {"+3", Status::exact, 3, false, 2},
@@ -115,18 +118,7 @@ TEST(TarnNumberReaderTest, IntegersGiveTheLow64BitsAndTellWhenTheyLostMore) {
         {"", Status::noNumber, 0, false, 0},
         {"+", Status::noNumber, 0, false, 0},
     };
-    for (const IntegerCase &c : decimals) {
-        const std::vector<char> bytes = exactCopy(c.text);
-        const nr::IntegerRead read = nr::readDecimal(bytes.data(), bytes.data() + bytes.size());
-        EXPECT_EQ(read.status, c.status) << c.text;
-        EXPECT_EQ(read.magnitude, c.magnitude) << c.text;
-        EXPECT_EQ(read.negative, c.negative) << c.text;
-        EXPECT_EQ(read.end - bytes.data(), static_cast<std::ptrdiff_t>(c.used)) << c.text;
-    }
-}
-
-TEST(TarnNumberReaderTest, HexadecimalPrefixCountsOnlyInFrontOfADigit) {
-    const IntegerCase signedCases[] = {
+    const std::vector<IntegerCase> hexadecimals = {
         {"  0Xff zz", Status::exact, 255, false, 6},
         {"-0x10", Status::exact, 16, true, 5},
         {"0x", Status::exact, 0, false, 1},
@@ -135,13 +127,17 @@ TEST(TarnNumberReaderTest, HexadecimalPrefixCountsOnlyInFrontOfADigit) {
         {"1FFFFFFFFFFFFFFFF", Status::outOfRange, kMax64, false, 17},
         {"xyz", Status::noNumber, 0, false, 0},
     };
-    for (const IntegerCase &c : signedCases) {
-        const std::vector<char> bytes = exactCopy(c.text);
-        const nr::IntegerRead read = nr::readHexadecimal(bytes.data(), bytes.data() + bytes.size(), true);
-        EXPECT_EQ(read.status, c.status) << c.text;
-        EXPECT_EQ(read.magnitude, c.magnitude) << c.text;
-        EXPECT_EQ(read.negative, c.negative) << c.text;
-        EXPECT_EQ(read.end - bytes.data(), static_cast<std::ptrdiff_t>(c.used)) << c.text;
+    for (bool hex : {false, true}) {
+        for (const IntegerCase &c : hex ? hexadecimals : decimals) {
+            const std::vector<char> bytes = exactCopy(c.text);
+            const char *first = bytes.data(), *last = first + bytes.size();
+            const nr::IntegerRead read =
+                hex ? nr::readHexadecimal(first, last, true) : nr::readDecimal(first, last);
+            EXPECT_EQ(read.status, c.status) << c.text;
+            EXPECT_EQ(read.magnitude, c.magnitude) << c.text;
+            EXPECT_EQ(read.negative, c.negative) << c.text;
+            EXPECT_EQ(read.end - first, static_cast<std::ptrdiff_t>(c.used)) << c.text;
+        }
     }
     const std::string minus = "-5";
     EXPECT_EQ(nr::readHexadecimal(minus.data(), minus.data() + 2, false).status, Status::noNumber);
@@ -167,34 +163,16 @@ namespace {
 // the tie), texts one digit either side of them, the ends of the decimal scale it
 // takes, and values at the bottom of a binade. Each must give strtod's bits and end.
 TEST(TarnNumberReaderTest, ShortExponentFormRoundsAsStrtodAtTiesAndBinadeEnds) {
-    const char *const texts[] = {
-        "9.0071992547409930e+15",
-        "9.00719925474099300e+15",
-        "9.00719925474099500e+15",
-        "9.0071992547409950e+15",
-        "9.007199254740993e+15",
-        "9.007199254740995e+15",
-        "9.0071992547409931e+15",
-        "9.0071992547409929e+15",
-        "1.8014398509481986e+16",
-        "1.8014398509481990e+16",
-        "4.503599627370496e+15",
-        "4.5035996273704965e+15",
-        "1.000000000000000000e-22",
-        "9.999999999999999999e-05",
-        "1.0e0",
-        "-2.5e+1",
-        "1.7976931348623157e+3",
-        "2.2250738585072014e-10",
-        "1.000000000000000111e+00",
-        "1.000000000000000110e+00",
-        "9.999999999999999999e+18",
-        "1.5e+19",
-        "1.5e-23",
-        "1.5ex",
-    };
-    for (const char *text : texts) {
-        const std::string copy(text);
+    // Separated by spaces.
+    std::istringstream texts(
+        "9.0071992547409930e+15 9.00719925474099300e+15 9.00719925474099500e+15 9.0071992547409950e+15 "
+        "9.007199254740993e+15 9.007199254740995e+15 9.0071992547409931e+15 9.0071992547409929e+15 "
+        "1.8014398509481986e+16 1.8014398509481990e+16 4.503599627370496e+15 4.5035996273704965e+15 "
+        "1.000000000000000000e-22 9.999999999999999999e-05 1.0e0 -2.5e+1 "
+        "1.7976931348623157e+3 2.2250738585072014e-10 1.000000000000000111e+00 1.000000000000000110e+00 "
+        "9.999999999999999999e+18 1.5e+19 1.5e-23 1.5ex");
+    for (std::string copy; texts >> copy;) {
+        const char *text = copy.c_str();
         char *strtodEnd = nullptr;
         const double expected = std::strtod(copy.c_str(), &strtodEnd);
         const nr::RealRead<double> read = nr::readDouble(copy.data(), copy.data() + copy.size());

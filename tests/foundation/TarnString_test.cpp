@@ -107,16 +107,6 @@ TEST(TarnStringTest, TrimAndCaseChangesTouchCLocaleBytesOnly) {
     EXPECT_EQ(text(mixed), "az\xe4\xc4-1");
 }
 
-TEST(TarnStringTest, AssignmentAndIndexing) {
-    TarnString value("long text");
-    value = 'x';
-    EXPECT_EQ(text(value), "x");
-    EXPECT_EQ(value[1u], '\0');
-    EXPECT_TRUE(TarnString().isempty());
-    value = std::string("std");
-    EXPECT_EQ(text(value), "std");
-}
-
 TEST(TarnStringFormatTest, ReplacesTheTextAndMayReadFromIt) {
     TarnString value("old text");
     value.format("%d-%s", 12, "ab");

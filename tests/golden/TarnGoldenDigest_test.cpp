@@ -3,7 +3,7 @@
 // from integers, so every build starts from the same bits; the digests are FNV-1a (64 bits) over the
 // results' bytes in little-endian order, so every build reduces them alike. Left out: `dump` and
 // `format`, which print through the platform's printf.
-#include "foundation/TarnProcessor.h"
+#include "linalg/LinalgTestSupport.h"
 
 #include <tarn/tarn.h>
 
@@ -14,7 +14,6 @@
 #include <cstdint>
 #include <cstring>
 #include <fstream>
-#include <functional>
 #include <iomanip>
 #include <iterator>
 #include <limits>
@@ -29,23 +28,23 @@ namespace {
 
 class Digest {
 public:
-    void byte(std::uint8_t value) { state_ = (state_ ^ value) * 0x100000001B3ull; }
-    void word(std::uint32_t value) {
-        for (int shift = 0; shift < 32; shift += 8) {
-            byte(static_cast<std::uint8_t>(value >> shift));
+    // The low `width` bits of a value, byte by byte from the lowest.
+    void bits(std::uint64_t value, int width) {
+        for (int shift = 0; shift < width; shift += 8) {
+            state_ = (state_ ^ static_cast<std::uint8_t>(value >> shift)) * 0x100000001B3ull;
         }
     }
+    void word(std::uint32_t value) { bits(value, 32); }
     void number(double value) {
-        std::uint64_t bits = 0;
-        std::memcpy(&bits, &value, sizeof bits);
-        for (int shift = 0; shift < 64; shift += 8) {
-            byte(static_cast<std::uint8_t>(bits >> shift));
-        }
+        std::uint64_t pattern = 0;
+        std::memcpy(&pattern, &value, sizeof pattern);
+        bits(pattern, 64);
     }
-    void text(const std::string &bytes) {
+    template <typename Bytes>
+    void text(const Bytes &bytes) {
         word(static_cast<std::uint32_t>(bytes.size()));
-        for (char value : bytes) {
-            byte(static_cast<std::uint8_t>(value));
+        for (auto value : bytes) {
+            bits(static_cast<std::uint8_t>(value), 8);
         }
     }
     void matrix(const TarnMatrix &m) {
@@ -89,11 +88,12 @@ public:
         const auto integer = static_cast<std::int64_t>(next() >> 11) - (std::int64_t(1) << 52);
         return std::ldexp(static_cast<double>(integer), -52);
     }
-    TarnMatrix matrix(int rows, int cols) {
+    // Each element is value() times scale, rounded once.
+    TarnMatrix matrix(int rows, int cols, double scale = 1.0) {
         TarnMatrix m(rows, cols);
         for (int i = 0; i < rows; ++i) {
             for (int j = 0; j < cols; ++j) {
-                m[i][j] = value();
+                m[i][j] = value() * scale;
             }
         }
         return m;
@@ -118,47 +118,44 @@ const int kSizes[] = {1,  2,  3,  4,  5,  6,  7,  8,  9,   10,  11,  12,  13,  1
 
 // ---- The battery -------------------------------------------------------------------------------
 
-// c = a x b, by some path.
-using Product = std::function<void(const TarnMatrix &a, const TarnMatrix &b, TarnMatrix &c)>;
-// x = a^-1 b (or a^-1 when b is null), by some path; false when a pivot is 0.
-using Solver = std::function<bool(const TarnMatrix &a, const TarnMatrix *b, TarnMatrix &x)>;
-
-std::uint64_t timesDigest(const Product &product) {
-    Sequence inputs(1);
+// The digest of what `battery` computes from the inputs of `seed`.
+template <typename Battery>
+std::uint64_t digestOf(std::uint64_t seed, Battery battery) {
+    Sequence inputs(seed);
     Digest digest;
+    battery(inputs, digest);
+    return digest.value();
+}
+
+void timesBattery(Sequence &inputs, Digest &digest) {
     for (int n : kSizes) {
         for (int depth : {n, 7}) {
             const TarnMatrix a = inputs.matrix(n, depth);
             const TarnMatrix b = inputs.matrix(depth, n);
             TarnMatrix c;
-            product(a, b, c);
+            EXPECT_TRUE(a.times(c, b));
             digest.matrix(c);
         }
     }
-    return digest.value();
 }
 
-std::uint64_t solveDigest(const Solver &solver, bool invert) {
-    Sequence inputs(invert ? 3 : 2);
-    Digest digest;
+// x = a^-1 b for right sides of 1 and 3 columns, or x = a^-1.
+void solveBattery(Sequence &inputs, Digest &digest, bool invert) {
     for (int n : kSizes) {
         const TarnMatrix a = inputs.matrix(n, n);
         for (int columns : {1, 3}) {
             const TarnMatrix b = inputs.matrix(n, columns);
             TarnMatrix x;
-            EXPECT_TRUE(solver(a, invert ? nullptr : &b, x)) << "order " << n;
+            EXPECT_TRUE(invert ? a.invert(x) : a.solve(x, b)) << "order " << n;
             digest.matrix(x);
             if (invert) {
                 break;
             }
         }
     }
-    return digest.value();
 }
 
-std::uint64_t AtADigest() {
-    Sequence inputs(4);
-    Digest digest;
+void AtABattery(Sequence &inputs, Digest &digest) {
     for (int n : kSizes) {
         const TarnMatrix a = inputs.matrix(n + 2, n);
         for (int storage : {0, 1}) {
@@ -167,12 +164,9 @@ std::uint64_t AtADigest() {
             digest.packed(normal, storage == 0);
         }
     }
-    return digest.value();
 }
 
-std::uint64_t triangularDigest() {
-    Sequence inputs(5);
-    Digest digest;
+void triangularBattery(Sequence &inputs, Digest &digest) {
     for (int n : kSizes) {
         TarnUpperTriangularMatrix upper;
         upper.resize(n, n);
@@ -189,58 +183,41 @@ std::uint64_t triangularDigest() {
         EXPECT_TRUE(upper.times(product, right));
         digest.matrix(product);
     }
-    return digest.value();
 }
 
 // Unit vectors of rows and columns, with lengths that underflow and overflow on the way.
-std::uint64_t makeUnitDigest() {
-    Sequence inputs(6);
-    Digest digest;
+void makeUnitBattery(Sequence &inputs, Digest &digest) {
     for (int length : {1, 2, 3, 7, 17, 100, 1000}) {
         for (double scale : {1.0, 1e-160, 1e160, 1e-310}) {
             for (bool row : {true, false}) {
-                TarnMatrix v = inputs.matrix(row ? 1 : length, row ? length : 1);
-                for (int i = 0; i < v.nRows(); ++i) {
-                    for (int j = 0; j < v.nCols(); ++j) {
-                        v[i][j] *= scale;
-                    }
-                }
+                TarnMatrix v = inputs.matrix(row ? 1 : length, row ? length : 1, scale);
                 EXPECT_TRUE(v.makeUnit());
                 digest.matrix(v);
             }
         }
     }
-    return digest.value();
 }
 
-std::uint64_t crossProductDigest() {
-    Sequence inputs(7);
-    Digest digest;
+void crossProductBattery(Sequence &inputs, Digest &digest) {
     for (int pair = 0; pair < 50; ++pair) {
         digest.matrix(TarnMatrix::crossProduct(inputs.matrix(3, 1), inputs.matrix(3, 1)));
     }
     digest.matrix(TarnMatrix::crossProduct(inputs.matrix(1, 3), inputs.matrix(3, 1)));
-    return digest.value();
 }
 
-std::uint64_t rc4Digest() {
-    Sequence inputs(8);
-    Digest digest;
+void rc4Battery(Sequence &inputs, Digest &digest) {
     for (int keyLength : {1, 5, 16, 256, 300}) {
         const std::vector<unsigned char> key = inputs.bytes(keyLength);
         for (int dataLength : {1, 255, 1000}) {
             const std::vector<unsigned char> data = inputs.bytes(dataLength);
             std::vector<unsigned char> output(data.size());
             TarnCrypt::rc4Encrypt(key.data(), keyLength, data.data(), dataLength, output.data());
-            digest.text(std::string(output.begin(), output.end()));
+            digest.text(output);
         }
     }
-    return digest.value();
 }
 
-std::uint64_t xteaDigest() {
-    Sequence inputs(9);
-    Digest digest;
+void xteaBattery(Sequence &inputs, Digest &digest) {
     const std::vector<unsigned char> data = inputs.bytes(64);
     for (unsigned int rounds : {0u, 1u, 7u, 32u, 64u}) {
         const std::uint32_t key[4] = {static_cast<std::uint32_t>(inputs.next()),
@@ -250,10 +227,17 @@ std::uint64_t xteaDigest() {
             std::vector<unsigned char> output(data.size());
             EXPECT_TRUE(TarnCrypt::xteaBlock(rounds, data.data(), static_cast<unsigned int>(data.size()),
                                              output.data(), key, encipher));
-            digest.text(std::string(output.begin(), output.end()));
+            digest.text(output);
         }
     }
-    return digest.value();
+}
+
+// Adds a token of the value(s) given to an archive.
+template <typename... Value>
+void addToken(TarnArchive &archive, const char *name, Value... value) {
+    TarnToken token;
+    token.setValue(value...);
+    archive.addToken(name, token);
 }
 
 // A leaf of the stored graph: a number and a pointer to another leaf.
@@ -265,9 +249,8 @@ public:
     bool isModified() override { return false; }
     void serializeStore(TarnArchive &archive) override {
         TarnSerializable::serializeStore(archive);
+        addToken(archive, "value", value);
         TarnToken token;
-        token.setValue(value);
-        archive.addToken("value", token);
         token.setPointerValue(partner);
         archive.addToken("partner", token);
     }
@@ -285,23 +268,14 @@ public:
     bool isModified() override { return false; }
     void serializeStore(TarnArchive &archive) override {
         TarnSerializable::serializeStore(archive);
-        TarnToken token;
-        token.setValue(true);
-        archive.addToken("bool", token);
-        token.setValue(0.1f);
-        archive.addToken("float", token);
-        token.setValue(INT_MIN);
-        archive.addToken("int", token);
-        token.setValue(4294967295ul);
-        archive.addToken("unsignedLong", token);
-        token.setValue(static_cast<unsigned short>(65535));
-        archive.addToken("unsignedShort", token);
-        token.setValue(static_cast<unsigned char>(200));
-        archive.addToken("unsignedChar", token);
-        token.setValue("a text, with spaces");
-        archive.addToken("text", token);
-        token.setValue(numbers.data(), static_cast<unsigned int>(numbers.size()));
-        archive.addToken("numbers", token);
+        addToken(archive, "bool", true);
+        addToken(archive, "float", 0.1f);
+        addToken(archive, "int", INT_MIN);
+        addToken(archive, "unsignedLong", 4294967295ul);
+        addToken(archive, "unsignedShort", static_cast<unsigned short>(65535));
+        addToken(archive, "unsignedChar", static_cast<unsigned char>(200));
+        addToken(archive, "text", "a text, with spaces");
+        addToken(archive, "numbers", numbers.data(), static_cast<unsigned int>(numbers.size()));
         matrix.serializeStore(archive.addChild());
         packed.serializeStore(archive.addChild());
         for (unsigned i = 0; i < leaves.size(); ++i) {
@@ -333,19 +307,11 @@ std::string withoutPointerTexts(std::string text) {
 std::string archiveText() {
     Sequence inputs(10);
     GoldenGraph graph;
-    graph.numbers = {0.0,
-                     -0.0,
-                     1.0 / 3.0,
-                     -2.5e-310,
-                     std::numeric_limits<double>::denorm_min(),
-                     std::numeric_limits<double>::max(),
-                     -std::numeric_limits<double>::min(),
-                     123456789.125,
-                     1e21,
-                     1e-7,
-                     std::numeric_limits<double>::infinity(),
-                     -std::numeric_limits<double>::infinity(),
-                     std::numeric_limits<double>::quiet_NaN()};
+    using limits = std::numeric_limits<double>;
+    const double tiny = limits::denorm_min(), max = limits::max(), min = limits::min(),
+                 inf = limits::infinity();
+    graph.numbers = {0.0,  -0.0, 1.0 / 3.0, -2.5e-310,          tiny, max, -min, 123456789.125, 1e21,
+                     1e-7, inf,  -inf,      limits::quiet_NaN()};
     for (int i = 0; i < 20; ++i) {
         graph.numbers.push_back(std::ldexp(inputs.value(), static_cast<int>(inputs.next() % 2000) - 1000));
     }
@@ -368,10 +334,11 @@ std::string archiveText() {
     return withoutPointerTexts(archive.getText());
 }
 
-std::string readFile(const std::string &path) {
-    std::ifstream stream(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
-}
+#if defined(_WIN32)
+const bool kWindows = true;
+#else
+const bool kWindows = false;
+#endif
 
 // The saved bytes of a fixed configuration, with the platform's line end read as "\n". Values come
 // only through writes that print no floating-point text by printf ("%d" and "%x" print the same
@@ -392,25 +359,20 @@ std::string iniText() {
     (*ini)["empty"];
     EXPECT_TRUE(ini->write(nullptr));
     ini->dispose();
-    std::string text = readFile(path);
+    std::ifstream stream(path, std::ios::binary);
+    std::string text(std::istreambuf_iterator<char>(stream), {}), lines;
+    stream.close();
     std::remove(path.c_str());
-#if defined(_WIN32)
-    // Windows ends each line with CR LF; this model holds no other CR or LF.
-    std::string lines;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '\n') {
-            EXPECT_TRUE(i > 0 && text[i - 1] == '\r')
-                << "a line feed without a carriage return at byte " << i;
-            if (!lines.empty() && lines.back() == '\r') {
-                lines.pop_back();
-            }
+    for (char byte : text) {
+        // Windows ends each line with CR LF; this model holds no other CR or LF.
+        if (byte == '\n' && kWindows) {
+            const bool carriageReturn = !lines.empty() && lines.back() == '\r';
+            EXPECT_TRUE(carriageReturn) << "a line feed without a carriage return";
+            lines.resize(lines.size() - carriageReturn);
         }
-        lines += text[i];
+        lines += byte;
     }
     return lines;
-#else
-    return text;
-#endif
 }
 
 std::uint64_t textDigest(const std::string &text) {
@@ -441,38 +403,23 @@ void expectGolden(const std::string &name, std::uint64_t digest) {
         << "the digest of " << name << " changed: {\"" << name << "\", " << hex(digest) << "},";
 }
 
-// Runs a scope's kernels on no path wider than the one given, and lifts the limit at its end.
-class KernelPathLimit {
-public:
-    explicit KernelPathLimit(tarn::KernelPath widest) { tarn::limitKernelPath(widest); }
-    ~KernelPathLimit() { tarn::limitKernelPath(tarn::KernelPath::avx512); }
-    KernelPathLimit(const KernelPathLimit &) = delete;
-    KernelPathLimit &operator=(const KernelPathLimit &) = delete;
-};
-
 // The library's own operations on each kernel path in turn (a path the processor lacks runs the
 // next narrower one), then the results that no kernel computes.
 TEST(TarnGoldenDigestTest, TheLibraryGivesTheGoldenBitsOnEveryKernelPath) {
     using tarn::KernelPath;
     for (KernelPath path : {KernelPath::portable, KernelPath::sse2, KernelPath::avx2, KernelPath::avx512}) {
         SCOPED_TRACE(testing::Message() << "kernel path " << static_cast<int>(path));
-        const KernelPathLimit limit(path);
-        expectGolden("times", timesDigest([](const TarnMatrix &a, const TarnMatrix &b, TarnMatrix &c) {
-                         EXPECT_TRUE(a.times(c, b));
-                     }));
-        expectGolden("solve", solveDigest([](const TarnMatrix &a, const TarnMatrix *b,
-                                             TarnMatrix &x) { return a.solve(x, *b); },
-                                          false));
-        expectGolden("invert", solveDigest([](const TarnMatrix &a, const TarnMatrix *,
-                                              TarnMatrix &x) { return a.invert(x); },
-                                           true));
-        expectGolden("AtA", AtADigest());
-        expectGolden("triangular", triangularDigest());
-        expectGolden("xteaBlock", xteaDigest());
+        const tarntest::KernelPathLimit limit(path);
+        expectGolden("times", digestOf(1, timesBattery));
+        expectGolden("solve", digestOf(2, [](Sequence &in, Digest &out) { solveBattery(in, out, false); }));
+        expectGolden("invert", digestOf(3, [](Sequence &in, Digest &out) { solveBattery(in, out, true); }));
+        expectGolden("AtA", digestOf(4, AtABattery));
+        expectGolden("triangular", digestOf(5, triangularBattery));
+        expectGolden("xteaBlock", digestOf(9, xteaBattery));
     }
-    expectGolden("makeUnit", makeUnitDigest());
-    expectGolden("crossProduct", crossProductDigest());
-    expectGolden("rc4Encrypt", rc4Digest());
+    expectGolden("makeUnit", digestOf(6, makeUnitBattery));
+    expectGolden("crossProduct", digestOf(7, crossProductBattery));
+    expectGolden("rc4Encrypt", digestOf(8, rc4Battery));
     expectGolden("archive", textDigest(archiveText()));
     expectGolden("ini", textDigest(iniText()));
 }

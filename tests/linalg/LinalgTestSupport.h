@@ -1,5 +1,7 @@
-// Helpers of the linear algebra tests: matrix elements as plain vectors.
+// Helpers of the linear algebra tests: matrix elements as plain vectors, a limit on kernel paths.
 #pragma once
+
+#include "foundation/TarnProcessor.h"
 
 #include <tarn/tarn.h>
 
@@ -26,5 +28,14 @@ inline std::vector<double> squareOf(const TarnSymmetricMatrix &matrix) {
     }
     return values;
 }
+
+/// Runs a scope's kernels on no path wider than the one given, and lifts the limit at its end.
+class KernelPathLimit {
+public:
+    explicit KernelPathLimit(tarn::KernelPath widest) { tarn::limitKernelPath(widest); }
+    ~KernelPathLimit() { tarn::limitKernelPath(tarn::KernelPath::avx512); }
+    KernelPathLimit(const KernelPathLimit &) = delete;
+    KernelPathLimit &operator=(const KernelPathLimit &) = delete;
+};
 
 } // namespace tarntest

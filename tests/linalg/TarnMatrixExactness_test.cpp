@@ -1,6 +1,5 @@
 // Tests that the fast matrix kernels give the bits of the plain loops, on random matrices.
 #include "LinalgTestSupport.h"
-#include "foundation/TarnProcessor.h"
 #include "linalg/TarnMatrixKernels.h"
 
 #include <gtest/gtest.h>
@@ -13,6 +12,7 @@
 
 namespace {
 
+using tarntest::KernelPathLimit;
 using tarntest::valuesOf;
 using Values = std::vector<double>;
 
@@ -27,14 +27,6 @@ using tarn::KernelPath;
 // Every path, narrowest first; a path the processor lacks runs as the widest one it has.
 const KernelPath kPaths[] = {KernelPath::portable, KernelPath::sse2, KernelPath::avx2, KernelPath::avx512};
 
-// Runs a scope's kernels on no path wider than the one given, and lifts the limit at its end.
-class KernelPathLimit {
-public:
-    explicit KernelPathLimit(KernelPath widest) { tarn::limitKernelPath(widest); }
-    ~KernelPathLimit() { tarn::limitKernelPath(KernelPath::avx512); }
-    KernelPathLimit(const KernelPathLimit &) = delete;
-    KernelPathLimit &operator=(const KernelPathLimit &) = delete;
-};
 constexpr unsigned kSeed = 20261123u;
 
 // A rows x cols matrix of uniform values in [-1, 1), or of small values (+-0.25, +-0.5) that make

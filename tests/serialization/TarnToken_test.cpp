@@ -105,24 +105,11 @@ TEST(TarnTokenTest, DoubleReaderFollowsAtofInTheCLocale) {
 TEST(TarnTokenTest, NumberTextsEqualPrintfByteForByte) {
     const std::uint32_t seed = 20261123;
     std::mt19937_64 random(seed);
-    TarnArray<double> values = {0.0,
-                                -0.0,
-                                1.5,
-                                0.1,
-                                1.0 / 3.0,
-                                Limits::denorm_min(),
-                                -Limits::denorm_min(),
-                                Limits::min(),
-                                Limits::min() / 3.0,
-                                Limits::max(),
-                                -Limits::max(),
-                                1e100,
-                                1e-100,
-                                9.999999999999999999e99,
-                                Limits::infinity(),
-                                -Limits::infinity(),
-                                Limits::quiet_NaN(),
-                                -Limits::quiet_NaN()};
+    const double tiny = Limits::denorm_min(), min = Limits::min(), max = Limits::max();
+    const double inf = Limits::infinity(), nan = Limits::quiet_NaN();
+    TarnArray<double> values = {0.0, -0.0,      1.5, 0.1,  1.0 / 3.0, tiny,   -tiny,
+                                min, min / 3.0, max, -max, 1e100,     1e-100, 9.999999999999999999e99,
+                                inf, -inf,      nan, -nan};
     // Few-bit values hold exact ties at the 19th and the 9th digit (2^-28 has 20 digits ending
     // in 5), which both printf and the token round half to even.
     for (int power = 0; power <= 40; ++power) {
