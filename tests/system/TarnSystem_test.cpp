@@ -8,9 +8,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <limits>
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -131,15 +131,51 @@ TEST(TarnSystemTest, CpOfASourceThatOnlyReadsFails) {
     EXPECT_EQ(fs::file_size(target), 0u);
 }
 
-// The name is "scratch-Www Mmm dd hh-mm-ss yyyy": a day and a month name, the day of the month
-// padded with a space, and the time with '-' instead of ':'; nothing of the earlier text is kept.
+// True when `text` has the form "scratch-Www Mmm dd hh-mm-ss yyyy": a day and a month name, the
+// day of the month padded with a space, and the time with '-' instead of ':'.
+bool isScratchName(const std::string &text) {
+    // One code per byte: '#' any digit, '1' " 123", '2' "012", '5' "0" to "5", '6' "0" to "6", '@'
+    // a byte of a day or month name (checked against the lists below), anything else itself.
+    static const std::string form = "scratch-@@@ @@@ 1# 2#-5#-6# ####";
+    if (text.size() != form.size()) {
+        return false;
+    }
+    const auto within = [](char c, const char *set) { return c != '\0' && std::strchr(set, c) != nullptr; };
+    for (std::size_t i = 0; i < form.size(); ++i) {
+        const char c = text[i];
+        const bool fits = form[i] == '#'   ? within(c, "0123456789")
+                          : form[i] == '1' ? within(c, " 123")
+                          : form[i] == '2' ? within(c, "012")
+                          : form[i] == '5' ? within(c, "012345")
+                          : form[i] == '6' ? within(c, "0123456")
+                          : form[i] == '@' ? true
+                                           : c == form[i];
+        if (!fits) {
+            return false;
+        }
+    }
+    static const std::string days = " Sun Mon Tue Wed Thu Fri Sat ";
+    static const std::string months = " Jan Feb Mar Apr May Jun Jul Aug Sep Oct Nov Dec ";
+    return days.find(" " + text.substr(8, 3) + " ") != std::string::npos &&
+           months.find(" " + text.substr(12, 3) + " ") != std::string::npos;
+}
+
 TEST(TarnSystemTest, UniqueFilenameIsScratchAndTheCleanedLocalTime) {
     TarnString name("earlier contents");
     TarnSystem::uniqueFilename(name);
-    static const std::regex form("scratch-(Sun|Mon|Tue|Wed|Thu|Fri|Sat) "
-                                 "(Jan|Feb|Mar|Apr|May|Jun|Jul|Aug|Sep|Oct|Nov|Dec) "
-                                 "[ 123][0-9] [012][0-9]-[0-5][0-9]-[0-6][0-9] [0-9]{4}");
-    EXPECT_TRUE(std::regex_match(std::string(name), form)) << std::string(name);
+    const std::string text(name);
+    EXPECT_TRUE(isScratchName(text)) << text;
+    EXPECT_EQ(text.find(':'), std::string::npos);
+    EXPECT_EQ(text.find("earlier"), std::string::npos);
+}
+
+TEST(TarnSystemTest, ScratchNameFormRejectsNearMisses) {
+    EXPECT_TRUE(isScratchName("scratch-Mon Nov  2 09-05-07 2026"));
+    EXPECT_FALSE(isScratchName("scratch-Mon Nov  2 09:05:07 2026"));
+    EXPECT_FALSE(isScratchName("scratch-Mun Nov  2 09-05-07 2026"));
+    EXPECT_FALSE(isScratchName("scratch-Mon Nox  2 09-05-07 2026"));
+    EXPECT_FALSE(isScratchName("scratch-Mon Nov 42 09-05-07 2026"));
+    EXPECT_FALSE(isScratchName("scratch-Mon Nov  2 09-05-07 2026 "));
 }
 
 } // namespace
