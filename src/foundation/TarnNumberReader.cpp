@@ -34,18 +34,42 @@ NumberStart skipSpaceAndSign(const char *at, const char *last, bool signAllowed)
     return {at, negative};
 }
 
-// Accumulates the digits of `base` from `at` into the low 64 bits of the magnitude, noting a
-// magnitude beyond 64 bits.
-IntegerRead readDigits(const char *at, const char *last, unsigned base, bool negative) {
+// The value of each byte as a digit, or 16 for a byte that is no hexadecimal digit: one load
+// tells both whether a byte is a digit of a base and what it is worth.
+struct DigitValues {
+    unsigned char of[256];
+    constexpr DigitValues() : of() {
+        for (int byte = 0; byte < 256; ++byte) {
+            of[byte] = 16;
+        }
+        for (int digit = 0; digit < 10; ++digit) {
+            of['0' + digit] = static_cast<unsigned char>(digit);
+        }
+        for (int digit = 0; digit < 6; ++digit) {
+            of['a' + digit] = static_cast<unsigned char>(10 + digit);
+            of['A' + digit] = static_cast<unsigned char>(10 + digit);
+        }
+    }
+};
+constexpr DigitValues kDigitValues;
+
+// Accumulates the digits of `Base` (10 or 16) from `at` into the low 64 bits of the magnitude,
+// noting a magnitude beyond 64 bits. The base is a constant, so that its products are shifts or
+// small multiplications in the digit loop.
+template <unsigned Base>
+IntegerRead readDigits(const char *at, const char *last, bool negative) {
     const char *const start = at;
     std::uint64_t magnitude = 0;
     bool beyond = false;
-    const std::uint64_t headroom = std::numeric_limits<std::uint64_t>::max() / base;
-    for (; at != last && (base == 16 ? isAsciiHexDigit(*at) : isAsciiDigit(*at)); ++at) {
-        const unsigned digit = hexDigitValue(*at);
+    constexpr std::uint64_t headroom = std::numeric_limits<std::uint64_t>::max() / Base;
+    for (; at != last; ++at) {
+        const unsigned digit = kDigitValues.of[static_cast<unsigned char>(*at)];
+        if (digit >= Base) {
+            break;
+        }
         beyond = beyond || magnitude > headroom ||
-                 magnitude * base > std::numeric_limits<std::uint64_t>::max() - digit;
-        magnitude = magnitude * base + digit;
+                 magnitude * Base > std::numeric_limits<std::uint64_t>::max() - digit;
+        magnitude = magnitude * Base + digit;
     }
     if (at == start) {
         return {nullptr, ReadStatus::noNumber, 0, false};
@@ -161,7 +185,7 @@ RealRead<T> readReal(const char *first, const char *last) {
 
 IntegerRead readDecimal(const char *first, const char *last) {
     const NumberStart start = skipSpaceAndSign(first, last, true);
-    const IntegerRead read = readDigits(start.at, last, 10, start.negative);
+    const IntegerRead read = readDigits<10>(start.at, last, start.negative);
     return read.status == ReadStatus::noNumber ? noInteger(first) : read;
 }
 
@@ -171,7 +195,7 @@ IntegerRead readHexadecimal(const char *first, const char *last, bool signAllowe
     if (last - at >= 3 && at[0] == '0' && (at[1] | 0x20) == 'x' && isAsciiHexDigit(at[2])) {
         at += 2;
     }
-    const IntegerRead read = readDigits(at, last, 16, start.negative);
+    const IntegerRead read = readDigits<16>(at, last, start.negative);
     return read.status == ReadStatus::noNumber ? noInteger(first) : read;
 }
 
